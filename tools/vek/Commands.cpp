@@ -1,0 +1,14 @@
+#include "Commands.h"
+
+namespace VekTool {
+
+const std::vector<Command>& Commands()
+{
+    static const std::vector<Command> commands = {
+        {"timecode", RunTimecode},
+        {"formats", RunFormats},
+    };
+    return commands;
+}
+
+} // namespace VekTool

@@ -1,0 +1,6 @@
+#pragma once
+
+// Umbrella header: every public class of the library.
+#include <vek/core/Core.h>
+#include <vek/media/Media.h>
+#include <vek/io/IO.h>

@@ -1,0 +1,346 @@
+#include <vek/core/CLeaks.h>
+
+#include <vek/core/CLock.h>
+#include <vek/core/CObject.h>
+#include <vek/core/Log.h>
+#include <vek/platform/Backtrace.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Quorvex::Vek {
+
+namespace {
+
+// Table sizes: primes, each about twice the one before.
+constexpr uint32_t kCapacities[] = {1021,    2039,    4093,     8191,     16381,    32749,    65521,   131071,
+                                    262139,  524287,  1048573,  2097143,  4194301,  8388593,  16777213};
+constexpr int kCapacityCount = int(sizeof kCapacities / sizeof kCapacities[0]);
+constexpr int kMaxFrames = 48;
+constexpr int kDetailedBacktraces = 16;
+// Frames of the tracker and of CObject's constructor on top of every capture.
+constexpr int kTrackerFrames = 3;
+
+struct Backtrace {
+    void* frames[kMaxFrames];
+    int count;
+};
+
+struct Entry {
+    const CObject* object = nullptr;
+    Backtrace* creation = nullptr; // Stack mode only
+};
+
+std::string TypeText(uint32_t type)
+{
+    char text[5];
+    for (int i = 0; i < 4; ++i) {
+        const unsigned char c = static_cast<unsigned char>(type >> (24 - 8 * i));
+        text[i] = (c >= 0x20 && c < 0x7f) ? char(c) : '.';
+    }
+    text[4] = '\0';
+    return text;
+}
+
+} // namespace
+
+class CLeaksTable {
+public:
+    void Begin(int32_t mode, uint32_t type);
+    void AddObject(const CObject* object);
+    void RemoveObject(const CObject* object);
+    int32_t End(int32_t mode);
+    void SetCallback(char* (*callback)(void)) { m_callback = callback; }
+    const char* LastReport() const { return m_lastReport.c_str(); }
+
+private:
+    void Reset(int capacityStep);
+    void Insert(const Entry& entry);
+    bool Grow();
+    uint32_t HomeSlot(const CObject* object) const;
+    void WriteReport();
+    void AddLineToScratch(const char* format, ...) VEK_PRINTF(2, 3);
+    std::string Label() const;
+
+    CLock m_lock;
+    uint32_t m_typeFilter = 0;
+    std::vector<Entry> m_table;
+    int32_t m_capacityStep = 0;
+    int32_t m_live = 0;
+    uint64_t m_total = 0;
+    int32_t m_peak = 0;
+    uint64_t m_probeSum = 0;
+    std::string m_scratch;
+    std::string m_lastReport;
+    char* (*m_callback)(void) = nullptr;
+};
+
+std::atomic<int32_t> CLeaks::s_mode{CLeaks::Off};
+CLeaksTable* CLeaks::s_instance = nullptr;
+
+void CLeaksTable::Reset(int capacityStep)
+{
+    for (Entry& entry : m_table)
+        std::free(entry.creation);
+    m_capacityStep = capacityStep;
+    m_table.assign(kCapacities[capacityStep], Entry{});
+    m_live = 0;
+}
+
+void CLeaksTable::Begin(int32_t mode, uint32_t type)
+{
+    m_lock.Enter();
+    Reset(0);
+    m_total = 0;
+    m_peak = 0;
+    m_probeSum = 0;
+    m_typeFilter = type;
+    CLeaks::s_mode.exchange(mode);
+    m_lock.Exit();
+}
+
+uint32_t CLeaksTable::HomeSlot(const CObject* object) const
+{
+    return uint32_t(reinterpret_cast<uintptr_t>(object) % m_table.size());
+}
+
+void CLeaksTable::Insert(const Entry& entry)
+{
+    uint32_t slot = HomeSlot(entry.object);
+    while (m_table[slot].object) {
+        slot = (slot + 1) % uint32_t(m_table.size());
+        ++m_probeSum;
+    }
+    m_table[slot] = entry;
+}
+
+bool CLeaksTable::Grow()
+{
+    if (m_capacityStep + 1 >= kCapacityCount)
+        return false;
+    std::vector<Entry> old;
+    old.swap(m_table);
+    ++m_capacityStep;
+    m_table.assign(kCapacities[m_capacityStep], Entry{});
+    for (const Entry& entry : old)
+        if (entry.object)
+            Insert(entry);
+    return true;
+}
+
+void CLeaksTable::AddObject(const CObject* object)
+{
+    if (!object || CLeaks::s_mode.load() == CLeaks::Off)
+        return;
+    if (m_typeFilter != 0 && object->GetType() != m_typeFilter)
+        return;
+    Backtrace* creation = nullptr;
+    if (CLeaks::s_mode.load() >= CLeaks::Stack) {
+        creation = static_cast<Backtrace*>(std::malloc(sizeof(Backtrace)));
+        if (creation)
+            creation->count = Platform::CaptureBacktrace(creation->frames, kMaxFrames, kTrackerFrames);
+    }
+    m_lock.Enter();
+    if (CLeaks::s_mode.load() == CLeaks::Off) {
+        m_lock.Exit();
+        std::free(creation);
+        return;
+    }
+    const auto limit = int64_t(0.75 * double(m_table.size()));
+    if (m_live + 1 > limit && !Grow() && m_live + 1 >= int64_t(m_table.size())) {
+        m_lock.Exit();
+        std::free(creation);
+        return; // the largest table is full; stop recording rather than spin
+    }
+    Insert(Entry{object, creation});
+    ++m_live;
+    if (m_live > m_peak)
+        m_peak = m_live;
+    ++m_total;
+    m_lock.Exit();
+}
+
+void CLeaksTable::RemoveObject(const CObject* object)
+{
+    if (!object)
+        return;
+    m_lock.Enter();
+    const uint32_t size = uint32_t(m_table.size());
+    uint32_t slot = HomeSlot(object);
+    for (uint32_t probes = 0; probes < size && m_table[slot].object; ++probes) {
+        if (m_table[slot].object == object) {
+            std::free(m_table[slot].creation);
+            m_table[slot] = Entry{};
+            --m_live;
+            // Backward-shift deletion keeps every remaining entry reachable
+            // from its home slot without tombstones.
+            uint32_t hole = slot;
+            for (uint32_t next = (hole + 1) % size; m_table[next].object; next = (next + 1) % size) {
+                const uint32_t home = HomeSlot(m_table[next].object);
+                const bool movable = (next > hole) ? (home <= hole || home > next) : (home <= hole && home > next);
+                if (movable) {
+                    m_table[hole] = m_table[next];
+                    m_table[next] = Entry{};
+                    hole = next;
+                }
+            }
+            m_lock.Exit();
+            return;
+        }
+        slot = (slot + 1) % size;
+    }
+    const bool filteredOut = m_typeFilter != 0 && object->GetType() != m_typeFilter;
+    m_lock.Exit();
+    if (!filteredOut)
+        Log(LogLevel::Detail, "CLeaks::RemoveObject: CObject not tracked\n");
+}
+
+void CLeaksTable::AddLineToScratch(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    va_list measure;
+    va_copy(measure, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, measure);
+    va_end(measure);
+    if (length > 0) {
+        std::string line(size_t(length) + 1, '\0');
+        std::vsnprintf(line.data(), line.size(), format, arguments);
+        line.resize(size_t(length));
+        m_scratch += line;
+    }
+    va_end(arguments);
+}
+
+std::string CLeaksTable::Label() const
+{
+    if (m_callback) {
+        if (const char* text = m_callback())
+            return text;
+    }
+    return "Leaked CObject";
+}
+
+void CLeaksTable::WriteReport()
+{
+    // Group leaked objects by identical creation backtrace.
+    std::map<std::vector<void*>, std::vector<const CObject*>> groups;
+    for (const Entry& entry : m_table) {
+        if (!entry.object)
+            continue;
+        std::vector<void*> key;
+        if (entry.creation)
+            key.assign(entry.creation->frames, entry.creation->frames + entry.creation->count);
+        groups[key].push_back(entry.object);
+    }
+    const long uniqueCount = long(groups.size());
+    m_scratch.clear();
+    if (uniqueCount <= kDetailedBacktraces)
+        AddLineToScratch("\n%ld leaks detected from %ld unique backtraces after tracking %llu objects (%ld simultaneous "
+                         "object peak):\n\n",
+                         long(m_live), uniqueCount, (unsigned long long)m_total, long(m_peak));
+    else
+        AddLineToScratch("\n%ld leaks detected from %ld unique backtraces after tracking %llu objects (%ld simultaneous "
+                         "object peak). Details for the first %ld unique backtraces below:\n\n",
+                         long(m_live), uniqueCount, (unsigned long long)m_total, long(m_peak),
+                         long(kDetailedBacktraces));
+
+    unsigned long long trackable = 0, trackableGroups = 0, ambiguous = 0, ambiguousGroups = 0;
+    long shown = 0;
+    const std::string label = Label();
+    for (const auto& [frames, objects] : groups) {
+        if (objects.size() == 1) {
+            ++trackable;
+            ++trackableGroups;
+        } else {
+            ambiguous += objects.size();
+            ++ambiguousGroups;
+        }
+        if (shown++ >= kDetailedBacktraces)
+            continue;
+        const std::string backtrace = frames.empty()
+                                          ? std::string("    (creation backtraces are kept in Stack mode only)\n")
+                                          : Platform::SymbolicateBacktrace(frames.data(), int(frames.size()));
+        if (objects.size() == 1)
+            AddLineToScratch("%s 0x%p [%s]. Object created at backtrace:\n%s", label.c_str(),
+                             static_cast<const void*>(objects[0]), TypeText(objects[0]->GetType()).c_str(),
+                             backtrace.c_str());
+        else if (frames.empty())
+            AddLineToScratch("%lu objects leaked.\n", (unsigned long)objects.size());
+        else
+            AddLineToScratch("%lu objects leaked. Objects were created at backtrace:\n%s",
+                             (unsigned long)objects.size(), backtrace.c_str());
+        AddLineToScratch("\n");
+    }
+    AddLineToScratch("%llu objects were trackably leaked in %llu groups and %llu were ambiguously leaked in %llu "
+                     "groups.\n",
+                     trackable, trackableGroups, ambiguous, ambiguousGroups);
+    m_lastReport = m_scratch;
+    Log(LogLevel::Error, "%s", m_scratch.c_str());
+}
+
+int32_t CLeaksTable::End(int32_t /*mode*/)
+{
+    m_lock.Enter();
+    const int32_t live = m_live;
+    if (live > 0) {
+        WriteReport();
+    } else {
+        m_scratch.clear();
+        AddLineToScratch("\nNo leaks detected after tracking %llu objects (%ld simultaneous object peak).\n",
+                         (unsigned long long)m_total, long(m_peak));
+        m_lastReport = m_scratch;
+        Log(LogLevel::Trace, "%s", m_scratch.c_str());
+    }
+    CLeaks::s_mode.exchange(CLeaks::Off);
+    m_lock.Exit();
+    return live;
+}
+
+void CLeaks::CreateInstance()
+{
+    // Never destroyed: objects may be released during process exit.
+    if (!s_instance)
+        s_instance = new CLeaksTable();
+}
+
+void CLeaks::Mark(int32_t mode, uint32_t type)
+{
+    if (s_instance)
+        s_instance->Begin(mode, type);
+}
+
+int32_t CLeaks::ShowLeaksSinceMark(int32_t mode)
+{
+    return s_instance ? s_instance->End(mode) : 0;
+}
+
+void CLeaks::SetCallback(char* (*callback)(void))
+{
+    if (s_instance)
+        s_instance->SetCallback(callback);
+}
+
+const char* CLeaks::GetLastReport()
+{
+    return s_instance ? s_instance->LastReport() : "";
+}
+
+void CLeaks::CreateObject(const CObject* object)
+{
+    if (s_instance)
+        s_instance->AddObject(object);
+}
+
+void CLeaks::DestroyObject(const CObject* object)
+{
+    if (s_instance)
+        s_instance->RemoveObject(object);
+}
+
+} // namespace Quorvex::Vek

@@ -1,0 +1,186 @@
+#include <vek/core/CObject.h>
+
+#include <vek/core/CLeaks.h>
+#include <vek/core/CLock.h>
+#include <vek/platform/System.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace Quorvex::Vek {
+
+namespace {
+
+// Guards lazy monitor creation for every object of the process.
+CLock& MonitorCreationLock()
+{
+    static CLock lock;
+    return lock;
+}
+
+// The library's one-time start-up, run when the library is loaded.
+bool Initialize()
+{
+    std::srand(unsigned(Platform::CurrentTimeSeconds() + int64_t(Platform::CurrentThreadId())));
+    CLeaks::CreateInstance();
+    MonitorCreationLock();
+    return true;
+}
+
+const bool g_initialized = Initialize();
+
+} // namespace
+
+CObject::CObject(uint32_t type, ReclaimHook reclaim) : m_type(type), m_count(1), m_monitor(nullptr), m_reclaim(reclaim)
+{
+    if (CLeaks::IsTracking())
+        CLeaks::CreateObject(this);
+}
+
+CObject::~CObject()
+{
+    if (CLeaks::IsTracking())
+        CLeaks::DestroyObject(this);
+    delete m_monitor.exchange(nullptr, std::memory_order_acq_rel);
+}
+
+CObject* CObject::CreateForLock()
+{
+    auto* object = new CObject();
+    object->Synchronize();
+    return object;
+}
+
+void CObject::Release() const
+{
+    if (m_count.fetch_sub(1, std::memory_order_acq_rel) - 1 > 0)
+        return;
+    if (!m_reclaim) {
+        Destroy();
+        return;
+    }
+    // Resurrect for the hook: it runs under the object's own monitor so it
+    // never overlaps another holder of that lock.
+    auto* self = const_cast<CObject*>(this);
+    m_count.fetch_add(1, std::memory_order_relaxed);
+    self->Enter();
+    m_reclaim(self);
+    const int32_t before = m_count.fetch_sub(1, std::memory_order_acq_rel);
+    self->Exit();
+    if (before > 1)
+        return; // the hook kept a reference: the object lives on in its pool
+    Destroy();
+}
+
+void CObject::Destroy() const
+{
+    delete this;
+}
+
+bool CObject::IsType(uint32_t type) const
+{
+    return m_type == type;
+}
+
+int32_t CObject::GetHashCode() const
+{
+    const auto address = uint64_t(reinterpret_cast<uintptr_t>(this));
+    return int32_t(uint32_t(address >> 32) + uint32_t(address));
+}
+
+void CObject::Synchronize()
+{
+    CLock& global = MonitorCreationLock();
+    global.Enter();
+    if (!m_monitor.load(std::memory_order_relaxed))
+        m_monitor.store(new (std::nothrow) CLock(), std::memory_order_release);
+    global.Exit();
+}
+
+CLock* CObject::Monitor()
+{
+    CLock* monitor = m_monitor.load(std::memory_order_acquire);
+    if (!monitor) {
+        Synchronize();
+        monitor = m_monitor.load(std::memory_order_acquire);
+    }
+    return monitor;
+}
+
+int CObject::Enter()
+{
+    CLock* monitor = Monitor();
+    return monitor ? monitor->Enter() : 0;
+}
+
+bool CObject::TryEnter()
+{
+    CLock* monitor = Monitor();
+    return monitor && monitor->TryEnter();
+}
+
+bool CObject::Wait(int32_t milliseconds)
+{
+    CLock* monitor = Monitor();
+    return monitor && monitor->Wait(milliseconds);
+}
+
+bool CObject::Wait()
+{
+    CLock* monitor = Monitor();
+    return monitor && monitor->Wait();
+}
+
+int CObject::Notify()
+{
+    CLock* monitor = Monitor();
+    return monitor ? monitor->Notify() : 0;
+}
+
+int CObject::NotifyAll()
+{
+    CLock* monitor = Monitor();
+    return monitor ? monitor->NotifyAll() : 0;
+}
+
+int CObject::Exit()
+{
+    CLock* monitor = Monitor();
+    return monitor ? monitor->Exit() : 0;
+}
+
+void* CObject::operator new(std::size_t size)
+{
+    if (void* p = std::malloc(size ? size : 1))
+        return p;
+    throw std::bad_alloc();
+}
+
+void* CObject::operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return std::malloc(size ? size : 1);
+}
+
+void CObject::operator delete(void* p) noexcept
+{
+    std::free(p);
+}
+
+void CObject::operator delete(void* p, const std::nothrow_t&) noexcept
+{
+    std::free(p);
+}
+
+CObject::CAutoLock::CAutoLock(CObject* object) : m_object(object)
+{
+    if (m_object)
+        m_object->Enter();
+}
+
+CObject::CAutoLock::~CAutoLock()
+{
+    if (m_object)
+        m_object->Exit();
+}
+
+} // namespace Quorvex::Vek

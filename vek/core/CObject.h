@@ -1,0 +1,85 @@
+#pragma once
+
+// Root of every internal library object: a four-character type tag, an
+// intrusive atomic reference count starting at 1, a monitor made on first
+// lock, and an optional reclaim hook through which pooled objects are
+// recycled instead of freed.
+//
+// Lifetime: whoever creates an object owns its one reference. Acquire adds a
+// reference; Release drops one and, at zero, destroys the object or hands it
+// to its reclaim hook. Destructors of counted classes are protected: only
+// Release deletes.
+#include <atomic>
+#include <cstddef>
+
+#include <vek/core/Types.h>
+
+namespace Quorvex::Vek {
+
+class CLock;
+
+class VEK_API CObject {
+public:
+    using ReclaimHook = void (*)(CObject*);
+
+    // A bare object (type 0) whose monitor exists at once, for use as a
+    // free-standing lock.
+    static CObject* CreateForLock();
+
+    void Acquire() const { m_count.fetch_add(1, std::memory_order_relaxed); }
+    void Release() const;
+
+    uint32_t GetType() const { return m_type; }
+    void SetType(uint32_t type) { m_type = type; }
+    virtual bool IsType(uint32_t type) const;
+    // Sum of the high and low halves of the address, as 32 bits.
+    virtual int32_t GetHashCode() const;
+
+    // Monitor operations; the monitor is made at the first of them.
+    virtual int Enter();
+    virtual bool TryEnter();
+    virtual bool Wait(int32_t milliseconds);
+    virtual bool Wait();
+    virtual int Notify();
+    virtual int NotifyAll();
+    virtual int Exit();
+
+    // Current count, for diagnostics and tests only: racy by nature.
+    int32_t GetReferenceCount() const { return m_count.load(std::memory_order_relaxed); }
+    bool HasMonitor() const { return m_monitor.load(std::memory_order_acquire) != nullptr; }
+
+    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+    static void operator delete(void* p) noexcept;
+    static void operator delete(void* p, const std::nothrow_t&) noexcept;
+
+    // Scope guard: Enter on construction, Exit on destruction (null-safe).
+    class VEK_API CAutoLock {
+    public:
+        explicit CAutoLock(CObject* object);
+        ~CAutoLock();
+        CAutoLock(const CAutoLock&) = delete;
+        CAutoLock& operator=(const CAutoLock&) = delete;
+
+    private:
+        CObject* m_object;
+    };
+
+protected:
+    explicit CObject(uint32_t type = 0, ReclaimHook reclaim = nullptr);
+    virtual ~CObject();
+    CObject(const CObject&) = delete;
+    CObject& operator=(const CObject&) = delete;
+
+private:
+    virtual void Synchronize();
+    CLock* Monitor();
+    void Destroy() const;
+
+    uint32_t m_type;
+    mutable std::atomic<int32_t> m_count;
+    std::atomic<CLock*> m_monitor;
+    ReclaimHook m_reclaim;
+};
+
+} // namespace Quorvex::Vek

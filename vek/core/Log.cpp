@@ -1,0 +1,109 @@
+#include <vek/core/Log.h>
+
+#include <vek/platform/LogSettings.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <vector>
+
+namespace Quorvex::Vek {
+
+namespace {
+
+constexpr const char* kChannel = "net.quorvex.system";
+
+class LogChannel {
+public:
+    static LogChannel& Instance()
+    {
+        // Never destroyed: objects released during process exit may still log.
+        static LogChannel* channel = new LogChannel();
+        return *channel;
+    }
+
+    int Level() const { return m_level.load(std::memory_order_relaxed); }
+
+    void Reload()
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        const Platform::LogSettings settings = Platform::ReadLogSettings(kChannel);
+        int level = 0;
+        if (settings.hasLogLevel)
+            level = std::atoi(settings.logLevel.c_str());
+        else if (settings.hasDebugLevel)
+            level = std::atoi(settings.debugLevel.c_str());
+        m_level.store(level < 0 ? 0 : (level > 5 ? 5 : level), std::memory_order_relaxed);
+        OpenFile(settings);
+    }
+
+    void Write(const char* message)
+    {
+        Platform::DebuggerOutput(message);
+        std::lock_guard<std::mutex> guard(m_lock);
+        std::FILE* out = m_file ? m_file : stderr;
+        std::fputs(message, out);
+        std::fflush(out);
+    }
+
+private:
+    LogChannel() { Reload(); }
+
+    // A file that cannot be opened leaves the log on standard error.
+    void OpenFile(const Platform::LogSettings& settings)
+    {
+        if (m_file) {
+            std::fclose(m_file);
+            m_file = nullptr;
+        }
+        if (settings.hasLogFile && !settings.logFile.empty())
+            m_file = std::fopen(settings.logFile.c_str(), "w");
+    }
+
+    std::mutex m_lock;
+    std::atomic<int> m_level{0};
+    std::FILE* m_file = nullptr;
+};
+
+} // namespace
+
+int GetLogLevel()
+{
+    return LogChannel::Instance().Level();
+}
+
+bool IsLogEnabled(int level)
+{
+    return level <= GetLogLevel();
+}
+
+void ReloadLogSettings()
+{
+    LogChannel::Instance().Reload();
+}
+
+void LogV(int level, const char* format, va_list arguments)
+{
+    if (!format || !IsLogEnabled(level))
+        return;
+    va_list measure;
+    va_copy(measure, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, measure);
+    va_end(measure);
+    if (length < 0)
+        return;
+    std::vector<char> text(size_t(length) + 1);
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    LogChannel::Instance().Write(text.data());
+}
+
+void Log(int level, const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    LogV(level, format, arguments);
+    va_end(arguments);
+}
+
+} // namespace Quorvex::Vek

@@ -1,0 +1,3 @@
+#pragma once
+
+// Every class of the input/output subsystem.
