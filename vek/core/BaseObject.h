@@ -29,8 +29,8 @@ public:
     operator CObject*() const { return m_object; }
     bool IsNull() const { return m_object == nullptr; }
 
-    bool operator==(const CObject* object) const { return m_object == object; }
-    bool operator!=(const CObject* object) const { return m_object != object; }
+    bool operator==(CObject* object) const { return m_object == object; }
+    bool operator!=(CObject* object) const { return m_object != object; }
 
 protected:
     // Replaces the held object with `object` (already owned by the caller).
@@ -84,8 +84,8 @@ public:
         return m_object ? static_cast<I*>(static_cast<CImpl*>(m_object)) : nullptr;
     }
 
-    bool operator==(const CImpl* object) const { return m_object == object; }
-    bool operator!=(const CImpl* object) const { return m_object != object; }
+    bool operator==(CImpl* object) const { return m_object == object; }
+    bool operator!=(CImpl* object) const { return m_object != object; }
 };
 
 } // namespace Quorvex::Vek

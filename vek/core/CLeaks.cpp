@@ -23,8 +23,9 @@ constexpr uint32_t kCapacities[] = {1021,    2039,    4093,     8191,     16381,
 constexpr int kCapacityCount = int(sizeof kCapacities / sizeof kCapacities[0]);
 constexpr int kMaxFrames = 48;
 constexpr int kDetailedBacktraces = 16;
-// Frames of the tracker and of CObject's constructor on top of every capture.
-constexpr int kTrackerFrames = 3;
+// Frames above the capture call are kept: how many of them belong to the
+// tracker and to CObject's constructor depends on inlining.
+constexpr int kTrackerFrames = 0;
 
 struct Backtrace {
     void* frames[kMaxFrames];
@@ -35,6 +36,15 @@ struct Entry {
     const CObject* object = nullptr;
     Backtrace* creation = nullptr; // Stack mode only
 };
+
+// Pointers print as Windows prints %p (16 upper-case hex digits) on every
+// platform, so reports read the same from both builds.
+std::string PointerText(const void* pointer)
+{
+    char text[24];
+    std::snprintf(text, sizeof text, "%016llX", (unsigned long long)reinterpret_cast<uintptr_t>(pointer));
+    return text;
+}
 
 std::string TypeText(uint32_t type)
 {
@@ -267,8 +277,8 @@ void CLeaksTable::WriteReport()
                                           ? std::string("    (creation backtraces are kept in Stack mode only)\n")
                                           : Platform::SymbolicateBacktrace(frames.data(), int(frames.size()));
         if (objects.size() == 1)
-            AddLineToScratch("%s 0x%p [%s]. Object created at backtrace:\n%s", label.c_str(),
-                             static_cast<const void*>(objects[0]), TypeText(objects[0]->GetType()).c_str(),
+            AddLineToScratch("%s 0x%s [%s]. Object created at backtrace:\n%s", label.c_str(),
+                             PointerText(objects[0]).c_str(), TypeText(objects[0]->GetType()).c_str(),
                              backtrace.c_str());
         else if (frames.empty())
             AddLineToScratch("%lu objects leaked.\n", (unsigned long)objects.size());

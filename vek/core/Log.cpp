@@ -58,7 +58,7 @@ private:
             m_file = nullptr;
         }
         if (settings.hasLogFile && !settings.logFile.empty())
-            m_file = std::fopen(settings.logFile.c_str(), "w");
+            m_file = std::fopen(settings.logFile.c_str(), "wb"); // same bytes on every platform
     }
 
     std::mutex m_lock;

@@ -67,8 +67,8 @@ public:
     T& operator*() const { return *m_object; }
     explicit operator bool() const { return m_object != nullptr; }
 
-    bool operator==(const T* other) const { return m_object == other; }
-    bool operator!=(const T* other) const { return m_object != other; }
+    bool operator==(T* other) const { return m_object == other; }
+    bool operator!=(T* other) const { return m_object != other; }
     bool operator==(const RObject& other) const { return m_object == other.m_object; }
     bool operator!=(const RObject& other) const { return m_object != other.m_object; }
 

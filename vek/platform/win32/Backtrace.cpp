@@ -25,7 +25,7 @@ void EnsureSymbolsLoaded()
     static bool loaded = false;
     if (loaded)
         return;
-    SymSetOptions(SymGetOptions() | SYMOPT_UNDNAME | SYMOPT_DEFERRED_LOADS | SYMOPT_PUBLICS_ONLY);
+    SymSetOptions(SymGetOptions() | SYMOPT_UNDNAME | SYMOPT_DEFERRED_LOADS);
     SymInitialize(GetCurrentProcess(), nullptr, TRUE);
     loaded = true;
 }
@@ -43,6 +43,44 @@ std::string ModuleName(void* address)
         if (*c == '\\' || *c == '/')
             base = c + 1;
     return base;
+}
+
+// Nearest exported function at or below `address` in its module. DbgHelp
+// finds nothing for modules without PDB or DWARF data (release builds of
+// mingw-w64, and Wine's DbgHelp), but exports are always there.
+bool NearestExport(void* address, std::string& name, DWORD64& displacement)
+{
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                            static_cast<LPCSTR>(address), &module))
+        return false;
+    auto* base = reinterpret_cast<const unsigned char*>(module);
+    auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    if (dos->e_magic != IMAGE_DOS_SIGNATURE)
+        return false;
+    auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    const IMAGE_DATA_DIRECTORY& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
+    if (directory.VirtualAddress == 0 || directory.Size == 0)
+        return false;
+    auto* exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(base + directory.VirtualAddress);
+    auto* functions = reinterpret_cast<const DWORD*>(base + exports->AddressOfFunctions);
+    auto* names = reinterpret_cast<const DWORD*>(base + exports->AddressOfNames);
+    auto* ordinals = reinterpret_cast<const WORD*>(base + exports->AddressOfNameOrdinals);
+    const DWORD64 target = DWORD64(reinterpret_cast<const unsigned char*>(address) - base);
+    DWORD64 best = 0;
+    const char* bestName = nullptr;
+    for (DWORD i = 0; i < exports->NumberOfNames; ++i) {
+        const DWORD rva = functions[ordinals[i]];
+        if (rva <= target && rva >= best) {
+            best = rva;
+            bestName = reinterpret_cast<const char*>(base + names[i]);
+        }
+    }
+    if (!bestName)
+        return false;
+    name = bestName;
+    displacement = target - best;
+    return true;
 }
 
 } // namespace
@@ -89,9 +127,13 @@ std::string SymbolicateBacktrace(void* const* frames, int count)
         DWORD64 displacement = 0;
         char line[1400];
         const std::string module = ModuleName(frames[i]);
+        std::string exported;
         if (SymFromAddr(GetCurrentProcess(), DWORD64(frames[i]), &displacement, symbol))
             std::snprintf(line, sizeof line, "  #%d %s!%s+0x%llx (%p)\n", i, module.c_str(),
                           Demangle(symbol->Name).c_str(), (unsigned long long)displacement, frames[i]);
+        else if (NearestExport(frames[i], exported, displacement))
+            std::snprintf(line, sizeof line, "  #%d %s!%s+0x%llx (%p)\n", i, module.c_str(),
+                          Demangle(exported.c_str()).c_str(), (unsigned long long)displacement, frames[i]);
         else
             std::snprintf(line, sizeof line, "  #%d %s (%p)\n", i, module.c_str(), frames[i]);
         text += line;

@@ -52,7 +52,16 @@ bool LockWait(LockStorage& lock, int32_t milliseconds)
 {
     auto& m = Monitor(lock);
     const DWORD timeout = milliseconds < 0 ? INFINITE : DWORD(milliseconds);
-    return SleepConditionVariableCS(&m.condition, &m.section, timeout) != FALSE;
+    // SleepConditionVariableCS leaves the section only once; a waiter that
+    // entered several times would keep it and starve the notifier. Leave the
+    // extra levels first and take them back after, as the POSIX build does.
+    const LONG extraLevels = m.section.RecursionCount > 1 ? m.section.RecursionCount - 1 : 0;
+    for (LONG i = 0; i < extraLevels; ++i)
+        LeaveCriticalSection(&m.section);
+    const bool woken = SleepConditionVariableCS(&m.condition, &m.section, timeout) != FALSE;
+    for (LONG i = 0; i < extraLevels; ++i)
+        EnterCriticalSection(&m.section);
+    return woken;
 }
 
 void LockNotify(LockStorage& lock)

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Long fuzzing run: every target for the given number of seconds (default 600).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:-600}
+bash scripts/install-deps.sh
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz
+mkdir -p build/fuzz/corpus
+for target in build/fuzz/bin/vek_*Fuzz; do
+    name=$(basename "$target")
+    mkdir -p "build/fuzz/corpus/$name"
+    echo "== $name for ${seconds}s"
+    "$target" -max_total_time="$seconds" -max_len=4096 "build/fuzz/corpus/$name"
+done

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs what building and testing DesktopVek needs on a Debian machine.
+# Installs only what is missing, so a second run costs a few dpkg queries.
+set -euo pipefail
+
+packages=(
+    cmake ninja-build pkg-config ccache g++ clang libclang-rt-14-dev
+    googletest libgtest-dev libgmock-dev libbenchmark-dev
+    liburiparser-dev libsndfile1-dev
+    g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
+)
+
+missing=()
+for package in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+        missing+=("$package")
+    fi
+done
+
+if ((${#missing[@]})); then
+    echo "installing: ${missing[*]}"
+    sudo_cmd=()
+    if [ "$(id -u)" -ne 0 ]; then sudo_cmd=(sudo); fi
+    "${sudo_cmd[@]}" apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
