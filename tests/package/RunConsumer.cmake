@@ -1,6 +1,9 @@
 # Configures, builds and runs the consumer project against an installed Vek.
 file(REMOVE_RECURSE ${BUILD})
-set(args -S ${SOURCE} -B ${BUILD} -G ${GENERATOR} -DCMAKE_PREFIX_PATH=${PREFIX})
+# Same compiler flags as the library (a sanitizer build needs its runtime
+# in the consumer too).
+set(args -S ${SOURCE} -B ${BUILD} -G ${GENERATOR} -DCMAKE_PREFIX_PATH=${PREFIX}
+    "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${LINK_FLAGS}")
 if(TOOLCHAIN)
     list(APPEND args -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH=${PREFIX})
 endif()
