@@ -18,8 +18,9 @@ CLock& MonitorCreationLock()
     return lock;
 }
 
-// The library's one-time start-up, run when the library is loaded.
-bool Initialize()
+} // namespace
+
+bool CObject::Initialize()
 {
     std::srand(unsigned(Platform::CurrentTimeSeconds() + int64_t(Platform::CurrentThreadId())));
     CLeaks::CreateInstance();
@@ -27,9 +28,7 @@ bool Initialize()
     return true;
 }
 
-const bool g_initialized = Initialize();
-
-} // namespace
+const bool CObject::s_initialized = CObject::Initialize();
 
 CObject::CObject(uint32_t type, ReclaimHook reclaim) : m_type(type), m_count(1), m_monitor(nullptr), m_reclaim(reclaim)
 {

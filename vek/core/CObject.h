@@ -72,6 +72,11 @@ protected:
     CObject& operator=(const CObject&) = delete;
 
 private:
+    // The library's one-time start-up: seeds the random generator from the
+    // time and the thread, makes the leak tracker. Runs at library load.
+    static bool Initialize();
+    static const bool s_initialized;
+
     virtual void Synchronize();
     CLock* Monitor();
     void Destroy() const;
