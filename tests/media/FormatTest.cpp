@@ -1,3 +1,4 @@
+#include <vek/media/FormatTable.h>
 #include <vek/media/Media.h>
 
 #include <gtest/gtest.h>
@@ -619,4 +620,42 @@ TEST(VideoFormatTable, ShapeOfTheTable)
         }
     EXPECT_EQ(rows[count].parent, 0u);
     EXPECT_EQ(rows[count].name, nullptr);
+}
+
+// The compile-time checks that let the tables be indexed: a table the plain
+// scan would read differently from the index must not pass.
+TEST(FormatTableChecks, OnlyTablesTheIndexCanServePass)
+{
+    const uint32_t a = Code("aaaa");
+    const uint32_t b = Code("bbbb");
+    const uint32_t c = Code("cccc");
+    constexpr uint32_t none = 0;
+    const FormatDescription good[] = {{b, 0, "B"}, {a, b, nullptr}, {c, a, "C"}, {0, 0, nullptr}};
+    const FormatDescription duplicate[] = {{a, 0, "A"}, {a, 0, "again"}, {0, 0, nullptr}};
+    const FormatDescription earlyEnd[] = {{a, 0, "A"}, {0, 0, nullptr}, {b, 0, "B"}, {0, 0, nullptr}};
+    const FormatDescription orphan[] = {{a, c, "A"}, {0, 0, nullptr}};
+    const FormatDescription loop[] = {{a, b, "A"}, {b, a, "B"}, {0, 0, nullptr}};
+    const FormatDescription selfLoop[] = {{a, a, "A"}, {0, 0, nullptr}};
+    const FormatDescription unterminated[] = {{a, none, "A"}};
+    EXPECT_TRUE(IsIndexableFormatTable(good));
+    EXPECT_FALSE(IsIndexableFormatTable(duplicate));
+    EXPECT_FALSE(IsIndexableFormatTable(earlyEnd));
+    EXPECT_FALSE(IsIndexableFormatTable(orphan));
+    EXPECT_FALSE(IsIndexableFormatTable(loop));
+    EXPECT_FALSE(IsIndexableFormatTable(selfLoop));
+    EXPECT_FALSE(IsIndexableFormatTable(unterminated));
+    EXPECT_EQ(CountFormatRows(good), 3u);
+    EXPECT_EQ(CountFormatRoots(good), 1u);
+
+    // The index is sorted by code and carries the table's own equivalents:
+    // the alias 'aaaa' gives its parent, the named 'bbbb' its first alias,
+    // the named 'cccc' without aliases nothing.
+    const auto index = BuildFormatIndex(good);
+    ASSERT_EQ(index.size(), 3u);
+    const uint32_t expected[3][3] = {{a, 1, b}, {b, 0, a}, {c, 2, 0}};
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(index[i].code, expected[i][0]);
+        EXPECT_EQ(index[i].row, expected[i][1]);
+        EXPECT_EQ(index[i].alias, expected[i][2]);
+    }
 }

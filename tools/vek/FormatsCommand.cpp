@@ -111,6 +111,15 @@ uint32_t CanonicalOf(const FormatFamily& family, uint32_t code)
     return family.canonical ? family.canonical(code) : 0;
 }
 
+// Characters, not bytes, of UTF-8 text ("\xCE\xBC-law" is five wide).
+size_t DisplayWidth(const std::string& text)
+{
+    size_t width = 0;
+    for (unsigned char c : text)
+        width += (c & 0xC0) != 0x80;
+    return width;
+}
+
 // One row of the text table; columns a family lacks are left out, and the
 // line carries no trailing blanks.
 void PrintRow(const FormatFamily& family, const std::string& code, const char* constant,
@@ -121,8 +130,9 @@ void PrintRow(const FormatFamily& family, const std::string& code, const char* c
     std::string line = head;
     if (family.name) {
         line += name;
-        if (name.size() < 44)
-            line.append(44 - name.size(), ' ');
+        const size_t width = DisplayWidth(name);
+        if (width < 44)
+            line.append(44 - width, ' ');
         line += ' ';
     }
     if (family.canonical)

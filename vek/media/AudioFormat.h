@@ -20,16 +20,16 @@
 //   sit under 'lpcm'; MPEG audio layers and Musepack under 'mpga'; IMA-style
 //   ADPCM variants under 'ima4'.
 //
-// - Categorical: the coding family a decoder of the category code can take.
-//   It is the canonical root except where a root of its own belongs to a
+// - Categorical: the wider coding family a decoder must understand. It is
+//   the canonical root except where a root of its own belongs to a
 //   wider family: ADTS is AAC in its own framing ('mp4a'); the WAVE and
 //   Sharp G.711 codes are companded PCM like 'alaw' and 'ulaw' ('lpcm'); the
 //   Microsoft ADPCM, Microsoft IMA ADPCM and G.726 codes are ADPCM ('ima4').
 //   Codings that only share a maker (AC-3 and E-AC-3, the Windows Media
 //   Audio generations) or that need unframing first (AES3, SMPTE 302M and
-//   331M, DV audio) keep their own root, so a decoder that lists the root
-//   is never offered a stream it cannot read.
-//   An unknown code gives 0, as its canonical format does.
+//   331M, DV audio) keep their own root, so a filter that lists one of
+//   them is not offered the others. An unknown code gives 0, as its
+//   canonical format does.
 #include <cstddef>
 
 #include <vek/media/FormatDescription.h>

@@ -45,7 +45,8 @@ public:
     // code is not in the table or no entry on the way has a name.
     const char* Name(uint32_t code) const;
 
-    // True when `code` is `family` or one of its ancestors is.
+    // True when `code` is `family` or one of its ancestors is. The 0 that
+    // ends every chain is not an ancestor, so only 0 itself is "Unknown".
     bool IsFormat(uint32_t code, uint32_t family) const;
 
     // The table's own equivalent: an unnamed entry (a pure alias) gives its

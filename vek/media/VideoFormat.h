@@ -14,7 +14,9 @@
 //   tape formats under 'dv  ' (DVCPRO 25/50/100/HD under 'dvp ', 'dv50',
 //   'dv1 ', 'dvh1'), AVC-Intra under 'AVCI' (per bit rate under 'ai1 ' and
 //   'ai5 '), and the MPEG-2 based camera formats under 'hdv ', 'xd  ' and
-//   'mx  '. IsFormat(f, VideoFormat::ProRes) thus asks "any ProRes?".
+//   'mx  '; Photo JPEG and the Motion JPEG dialects under 'mjpg' (but not
+//   Format B, which is no JPEG stream). IsFormat(f, VideoFormat::ProRes)
+//   thus asks "any ProRes?".
 // - Every uncompressed Y'CbCr layout is under 'YUV ', every RGB layout
 //   under 'RGB ', luma-only layouts under 'GREY'. The canonical format of
 //   a pixel layout is therefore its colour model; the layout itself is the
@@ -26,9 +28,8 @@
 //   its parent ('h264' -> 'avc1'), a named entry its first unnamed child
 //   ('avc1' -> 'h264', 'YUYV' -> 'YUY2'); otherwise 0.
 // - Canonical: the root of the parent chain, as described above.
-// - Categorical: the coding a decoder of the category code can take. It is
-//   the canonical root except where a root of its own carries a wider
-//   coding: AVC-Intra is H.264 ('avc1'); HDV, XDCAM, IMX and MPEG-1 are read
+// - Categorical: the wider coding a decoder must understand. It is the
+//   canonical root except where a root of its own carries a wider coding: AVC-Intra is H.264 ('avc1'); HDV, XDCAM, IMX and MPEG-1 are read
 //   by MPEG-2 decoders ('mp2v'); luma-only layouts are YUV without chroma
 //   ('YUV '); Windows Media Video 9 is VC-1 Simple and Main profile
 //   ('WVC1'); Sorenson Spark is a dialect of H.263 ('h263'). An unknown code
