@@ -77,7 +77,12 @@ std::string CodeText(uint32_t code)
 // Printable codes are quoted so that padding blanks stay visible.
 std::string QuotedCodeText(uint32_t code)
 {
-    return IsPrintable(code) ? "'" + CodeText(code) + "'" : CodeText(code);
+    if (!IsPrintable(code))
+        return CodeText(code);
+    std::string quoted(1, '\'');
+    quoted += CodeText(code);
+    quoted += '\'';
+    return quoted;
 }
 
 std::string JsonString(const char* text)
