@@ -19,6 +19,13 @@
 
 #include <vek/core/CObject.h>
 
+// A UTF-16 literal of type const WChar[] on every platform: VEK_W("text").
+#if VEK_PLATFORM_WINDOWS
+#define VEK_W(text) L##text
+#else
+#define VEK_W(text) u##text
+#endif
+
 namespace Quorvex::Vek {
 
 template <typename T>
