@@ -14,6 +14,7 @@
 #include <vek/core/CPoolObject.h>
 #include <vek/core/CString.h>
 #include <vek/core/CharClass.h>
+#include <vek/core/Guid.h>
 #include <vek/core/Log.h>
 #include <vek/core/RObject.h>
 #include <vek/core/Result.h>
