@@ -10,3 +10,13 @@
 #include <vek/media/ContainerProperty.h>
 #include <vek/media/ContainerWriterProperty.h>
 #include <vek/media/CodeBookProperty.h>
+#include <vek/media/IProperties.h>
+#include <vek/media/Properties.h>
+#include <vek/media/CMediaProperties.h>
+#include <vek/media/CVideoProperties.h>
+#include <vek/media/CAudioProperties.h>
+#include <vek/media/CSubtitleProperties.h>
+#include <vek/media/MediaProperties.h>
+#include <vek/media/VideoProperties.h>
+#include <vek/media/AudioProperties.h>
+#include <vek/media/SubtitleProperties.h>
