@@ -108,6 +108,11 @@ TEST_F(BagTest, RejectedWritesLeaveTheBagAlone)
     const unsigned char byte = 7;
     EXPECT_EQ(bag.SetProperty(static_cast<const char*>(nullptr), 1, &byte), RESULT_ARGUMENT_NULL);
     EXPECT_EQ(bag.SetProperty("a", -1, &byte), RESULT_ARGUMENT_OUT_OF_RANGE);
+    // Keys are UTF-8 text: a lone lead byte or an overlong form is refused.
+    EXPECT_EQ(bag.SetProperty("bad\xd1", 1, &byte), RESULT_FORMAT_ERROR);
+    EXPECT_EQ(bag.SetProperty("\xc0\xaf", 1, &byte), RESULT_FORMAT_ERROR);
+    RObject<CByteArray> array(new CByteArray(&byte, 1));
+    EXPECT_EQ(bag.SetProperty("\xff", array.Get()), RESULT_FORMAT_ERROR);
     EXPECT_EQ(bag.SetProperty("a", static_cast<CByteArray*>(nullptr)), RESULT_ARGUMENT_NULL);
     EXPECT_EQ(bag.SetProperty(static_cast<CString*>(nullptr), static_cast<CByteArray*>(nullptr)),
               RESULT_ARGUMENT_NULL);
@@ -140,11 +145,14 @@ TEST_F(BagTest, SecondWriteReplacesAndKeepsPosition)
     EXPECT_EQ(bag.GetPropertyName(-1), nullptr);
 }
 
-TEST_F(BagTest, KeysAreCaseSensitive)
+TEST_F(BagTest, KeysAreExactText)
 {
     Put(bag, "Key", Bytes({1}));
+    Put(bag, "cl\xc3\xa9", Bytes({1, 2})); // UTF-8 beyond ASCII
     EXPECT_EQ(bag.GetProperty("key", 0, nullptr), 0);
     EXPECT_EQ(bag.GetProperty("Key", 0, nullptr), 1);
+    EXPECT_EQ(bag.GetProperty("cl\xc3\xa9", 0, nullptr), 2);
+    EXPECT_EQ(bag.GetProperty("cle", 0, nullptr), 0);
 }
 
 TEST_F(BagTest, ReadResultsByCapacity)

@@ -1,11 +1,13 @@
 #include <vek/media/IProperties.h>
 
+#include <cstdint>
 #include <cstring>
 #include <new>
 
 #include <vek/core/Log.h>
 #include <vek/core/RObject.h>
 #include <vek/core/Result.h>
+#include <vek/platform/TextCodec.h>
 
 namespace Quorvex::Vek {
 
@@ -44,12 +46,34 @@ int IProperties::Store(Key key, CByteArray* value)
     return m_properties->Set(key, value);
 }
 
+namespace {
+
+// A key that is not well-formed UTF-8 would be stored under its repaired
+// text and could never be found again by the bytes the caller wrote.
+int CheckKey(const char* key)
+{
+    if (!key) {
+        Log(LogLevel::Error, "IProperties::SetProperty: null key\n");
+        return RESULT_ARGUMENT_NULL;
+    }
+    const size_t length = std::strlen(key);
+    if (length > INT32_MAX || !Platform::IsWellFormedUtf8(key, static_cast<int32_t>(length))) {
+        Log(LogLevel::Error, "IProperties::SetProperty: key of %zu bytes is not UTF-8 text\n", length);
+        return RESULT_FORMAT_ERROR;
+    }
+    return RESULT_OK;
+}
+
+} // namespace
+
 int IProperties::SetProperty(const char* key, int32_t length, const unsigned char* data)
 {
-    if (!key)
-        return RESULT_ARGUMENT_NULL;
-    if (length < 0)
+    if (const int result = CheckKey(key); result < 0)
+        return result;
+    if (length < 0) {
+        Log(LogLevel::Error, "IProperties::SetProperty: negative length %d for \"%s\"\n", length, key);
         return RESULT_ARGUMENT_OUT_OF_RANGE;
+    }
     // A null `data` leaves the new array's bytes at zero.
     RObject<CByteArray> value(new (std::nothrow) CByteArray(data, length));
     if (!value || (length > 0 && !value->GetData())) {
@@ -61,8 +85,12 @@ int IProperties::SetProperty(const char* key, int32_t length, const unsigned cha
 
 int IProperties::SetProperty(const char* key, CByteArray* value)
 {
-    if (!key || !value)
+    if (const int result = CheckKey(key); result < 0)
+        return result;
+    if (!value) {
+        Log(LogLevel::Error, "IProperties::SetProperty: null array for \"%s\"\n", key);
         return RESULT_ARGUMENT_NULL;
+    }
     return Store(key, value);
 }
 

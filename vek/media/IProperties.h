@@ -53,7 +53,8 @@ public:
 
     // Stores a copy of `length` bytes under `key`, replacing any earlier
     // value. A null `data` stores `length` zero bytes. Returns 0, -19004 for
-    // a null key, -19003 for a negative length, -19002 without memory.
+    // a null key, -19017 for a key that is not well-formed UTF-8, -19003 for
+    // a negative length, -19002 without memory.
     virtual int SetProperty(const char* key, int32_t length, const unsigned char* data);
     // Stores the given array itself (shared, not copied). A null array is -19004.
     int SetProperty(const char* key, CByteArray* value);
