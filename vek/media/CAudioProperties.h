@@ -18,25 +18,27 @@ public:
 
     // Speaker positions: the bit numbers of the WAVE channel mask plus one,
     // so that 0 stays "unknown".
-    static constexpr uint32_t SpeakerUnknown = 0;
-    static constexpr uint32_t SpeakerFrontLeft = 1;
-    static constexpr uint32_t SpeakerFrontRight = 2;
-    static constexpr uint32_t SpeakerFrontCenter = 3;
-    static constexpr uint32_t SpeakerLowFrequency = 4;
-    static constexpr uint32_t SpeakerBackLeft = 5;
-    static constexpr uint32_t SpeakerBackRight = 6;
-    static constexpr uint32_t SpeakerFrontLeftOfCenter = 7;
-    static constexpr uint32_t SpeakerFrontRightOfCenter = 8;
-    static constexpr uint32_t SpeakerBackCenter = 9;
-    static constexpr uint32_t SpeakerSideLeft = 10;
-    static constexpr uint32_t SpeakerSideRight = 11;
-    static constexpr uint32_t SpeakerTopCenter = 12;
-    static constexpr uint32_t SpeakerTopFrontLeft = 13;
-    static constexpr uint32_t SpeakerTopFrontCenter = 14;
-    static constexpr uint32_t SpeakerTopFrontRight = 15;
-    static constexpr uint32_t SpeakerTopBackLeft = 16;
-    static constexpr uint32_t SpeakerTopBackCenter = 17;
-    static constexpr uint32_t SpeakerTopBackRight = 18;
+    enum SpeakerPosition : uint32_t {
+        SpeakerUnknown = 0,
+        SpeakerFrontLeft = 1,
+        SpeakerFrontRight = 2,
+        SpeakerFrontCenter = 3,
+        SpeakerLowFrequency = 4,
+        SpeakerBackLeft = 5,
+        SpeakerBackRight = 6,
+        SpeakerFrontLeftOfCenter = 7,
+        SpeakerFrontRightOfCenter = 8,
+        SpeakerBackCenter = 9,
+        SpeakerSideLeft = 10,
+        SpeakerSideRight = 11,
+        SpeakerTopCenter = 12,
+        SpeakerTopFrontLeft = 13,
+        SpeakerTopFrontCenter = 14,
+        SpeakerTopFrontRight = 15,
+        SpeakerTopBackLeft = 16,
+        SpeakerTopBackCenter = 17,
+        SpeakerTopBackRight = 18,
+    };
 
     // The described audio keys, common media keys included; ends with a null key.
     static const Accessor Accessors[];

@@ -12,17 +12,21 @@ public:
     static constexpr uint32_t Type = Four("vide");
 
     // Field order of interlaced pictures.
-    static constexpr uint32_t FieldOrderUnknown = 0;
-    static constexpr uint32_t FieldOrderProgressive = 1;
-    static constexpr uint32_t FieldOrderTopFirst = 2;
-    static constexpr uint32_t FieldOrderBottomFirst = 3;
+    enum FieldOrder : uint32_t {
+        FieldOrderUnknown = 0,
+        FieldOrderProgressive = 1,
+        FieldOrderTopFirst = 2,
+        FieldOrderBottomFirst = 3,
+    };
 
     // Colour spaces (matrix and primaries of a family of standards).
-    static constexpr uint32_t ColorSpaceUnknown = 0;
-    static constexpr uint32_t ColorSpaceRec601 = Four("r601");
-    static constexpr uint32_t ColorSpaceRec709 = Four("r709");
-    static constexpr uint32_t ColorSpaceRec2020 = Four("r202");
-    static constexpr uint32_t ColorSpaceRgb = Four("rgb ");
+    enum ColorSpace : uint32_t {
+        ColorSpaceUnknown = 0,
+        ColorSpaceRec601 = Four("r601"),
+        ColorSpaceRec709 = Four("r709"),
+        ColorSpaceRec2020 = Four("r202"),
+        ColorSpaceRgb = Four("rgb "),
+    };
 
     // The described video keys, common media keys included; ends with a null key.
     static const Accessor Accessors[];

@@ -58,7 +58,7 @@ int CheckKey(const char* key)
     }
     const size_t length = std::strlen(key);
     if (length > INT32_MAX || !Platform::IsWellFormedUtf8(key, static_cast<int32_t>(length))) {
-        Log(LogLevel::Error, "IProperties::SetProperty: key of %zu bytes is not UTF-8 text\n", length);
+        Log(LogLevel::Error, "IProperties::SetProperty: key is not well-formed UTF-8\n");
         return RESULT_FORMAT_ERROR;
     }
     return RESULT_OK;

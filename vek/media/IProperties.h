@@ -30,10 +30,14 @@ public:
     using Dictionary = CDictionary<CString, CByteArray>;
 
     // Kinds of the text a key's value renders to (GetPropertyType).
-    static constexpr uint32_t TXT = Four("text");
-    static constexpr uint32_t XML = Four("xml ");
-    static constexpr uint32_t HTML = Four("html");
-    static constexpr uint32_t URL = Four("url ");
+    // Enumerators rather than static data members: a DLL client can bind
+    // them to references without importing data.
+    enum TextKind : uint32_t {
+        TXT = Four("text"),
+        XML = Four("xml "),
+        HTML = Four("html"),
+        URL = Four("url "),
+    };
 
     // Renders the bytes stored under `key` as a new string in *out.
     // Returns 0, or a negative code (absent key, wrong width, no memory).
