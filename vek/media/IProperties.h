@@ -52,8 +52,18 @@ public:
     };
 
     IProperties() = default;
+    // Virtual members keep this order (destructor, GetProperty, SetProperty,
+    // GetPropertyAccessors): it is the layout hosts were built against.
     virtual ~IProperties();
     IProperties& operator=(const IProperties&) = delete;
+
+    // 0 when the bag is empty or the key absent; with a null `out` the stored
+    // length; the length after copying when `capacity` is enough; otherwise
+    // -19003 and nothing is copied.
+    virtual int GetProperty(const char* key, int32_t capacity, unsigned char* out);
+    // The stored array (borrowed) or null.
+    CByteArray* GetProperty(const char* key) const;
+    CByteArray* GetProperty(CString* key) const;
 
     // Stores a copy of `length` bytes under `key`, replacing any earlier
     // value. A null `data` stores `length` zero bytes. Returns 0, -19004 for
@@ -63,14 +73,6 @@ public:
     // Stores the given array itself (shared, not copied). A null array is -19004.
     int SetProperty(const char* key, CByteArray* value);
     int SetProperty(CString* key, CByteArray* value);
-
-    // 0 when the bag is empty or the key absent; with a null `out` the stored
-    // length; the length after copying when `capacity` is enough; otherwise
-    // -19003 and nothing is copied.
-    virtual int GetProperty(const char* key, int32_t capacity, unsigned char* out);
-    // The stored array (borrowed) or null.
-    CByteArray* GetProperty(const char* key) const;
-    CByteArray* GetProperty(CString* key) const;
 
     // A four-character code, first character in the first stored byte.
     // Get returns the length read (4), 0 when absent (value unchanged) or
