@@ -384,21 +384,21 @@ TEST_F(BagTest, TypedReadsNeverPassTheStoredBytes)
 TEST_F(BagTest, WrapperArraysNamesAndValues)
 {
     Properties p(&bag);
-    Object<CByteArray> array(new CByteArray(Bytes({1, 2, 3}).data(), 3));
+    ByteArray array(new CByteArray(Bytes({1, 2, 3}).data(), 3));
     ASSERT_EQ(p.SetProperty("arr", array), 0);
-    Object<CByteArray> out;
+    ByteArray out;
     EXPECT_EQ(p.GetProperty("arr", out), 3);
     EXPECT_EQ(out.ToObject(), array.ToObject());
-    Object<CByteArray> untouched(new CByteArray(1));
+    ByteArray untouched(new CByteArray(1));
     CByteArray* before = untouched.ToObject();
     EXPECT_EQ(p.GetProperty("absent", untouched), 0);
     EXPECT_EQ(untouched.ToObject(), before);
 
     p.SetProperty("byte", 7u);
-    EXPECT_STREQ(p.GetPropertyName(0)->GetChars(), "arr");
+    EXPECT_STREQ(p.GetPropertyName(0).GetChars(), "arr");
     EXPECT_TRUE(p.GetPropertyName(5).IsNull());
-    EXPECT_EQ(std::string(p.GetPropertyValue("arr")->GetChars()), "(null)");
-    EXPECT_EQ(std::string(p.GetPropertyValue("byte")->GetChars()), "(error)"); // 4 bytes, not 1
+    EXPECT_STREQ(p.GetPropertyValue("arr").GetChars(), "(null)");
+    EXPECT_STREQ(p.GetPropertyValue("byte").GetChars(), "(error)"); // 4 bytes, not 1
     EXPECT_STREQ(p.GetPropertyDescription("byte"), "A byte");
 
     unsigned int code = 0;
@@ -417,7 +417,7 @@ TEST(Properties, NullWrapper)
     int i = 5;
     bool b = true;
     unsigned int u = 6;
-    Object<CByteArray> array;
+    ByteArray array;
     EXPECT_TRUE(p.IsNull());
     EXPECT_EQ(p.SetProperty("k", 1), RESULT_NULL_POINTER);
     EXPECT_EQ(p.SetProperty("k", true), RESULT_NULL_POINTER);

@@ -85,7 +85,7 @@ int Properties::SetProperty(const char* key, int length, const unsigned char* da
     return m_bag->SetProperty(key, length, data);
 }
 
-int Properties::SetProperty(const char* key, const Object<CByteArray>& value)
+int Properties::SetProperty(const char* key, const ByteArray& value)
 {
     if (!m_bag)
         return RESULT_NULL_POINTER;
@@ -124,14 +124,14 @@ int Properties::GetProperty(const char* key, int capacity, unsigned char* out)
     return m_bag->GetProperty(key, capacity, out);
 }
 
-int Properties::GetProperty(const char* key, Object<CByteArray>& out)
+int Properties::GetProperty(const char* key, ByteArray& out)
 {
     if (!m_bag)
         return RESULT_NULL_POINTER;
     CByteArray* value = m_bag->GetProperty(key);
     if (!value)
         return 0;
-    out = Object<CByteArray>::FromObject(value);
+    out = ByteArray::FromObject(value);
     return value->GetLength();
 }
 
@@ -163,9 +163,9 @@ int32_t Properties::GetPropertyCount() const
     return m_bag ? m_bag->GetPropertyCount() : 0;
 }
 
-Object<CString> Properties::GetPropertyName(int32_t index) const
+String Properties::GetPropertyName(int32_t index) const
 {
-    return Object<CString>::FromObject(m_bag ? m_bag->GetPropertyName(index) : nullptr);
+    return String::FromObject(m_bag ? m_bag->GetPropertyName(index) : nullptr);
 }
 
 unsigned int Properties::GetPropertyType(const char* key)
@@ -178,9 +178,9 @@ const char* Properties::GetPropertyDescription(const char* key)
     return m_bag ? m_bag->GetPropertyDescription(key) : nullptr;
 }
 
-Object<CString> Properties::GetPropertyValue(const char* key)
+String Properties::GetPropertyValue(const char* key)
 {
-    return Object<CString>(m_bag ? m_bag->GetPropertyValue(key) : nullptr);
+    return String(m_bag ? m_bag->GetPropertyValue(key) : nullptr);
 }
 
 } // namespace Quorvex::Vek

@@ -13,9 +13,8 @@
 //
 // When the bag belongs to a counted object, Properties holds a reference to
 // that object, so a copy stays usable after the object's other owners let go.
-#include <vek/core/BaseObject.h>
-#include <vek/core/CByteArray.h>
-#include <vek/core/CString.h>
+#include <vek/core/ByteArray.h>
+#include <vek/core/String.h>
 #include <vek/media/IProperties.h>
 
 namespace Quorvex::Vek {
@@ -38,7 +37,7 @@ public:
     int SetProperty(const char* key, bool value);
     int SetProperty(const char* key, int length, const unsigned char* data);
     // Stores the array itself (shared with the caller).
-    int SetProperty(const char* key, const Object<CByteArray>& value);
+    int SetProperty(const char* key, const ByteArray& value);
 
     int GetProperty(const char* key, int& value);
     int GetProperty(const char* key, unsigned int& value);
@@ -47,7 +46,7 @@ public:
     int GetProperty(const char* key, bool& value);
     int GetProperty(const char* key, int capacity, unsigned char* out);
     // Shares the stored array; returns its length, 0 when absent (out unchanged).
-    int GetProperty(const char* key, Object<CByteArray>& out);
+    int GetProperty(const char* key, ByteArray& out);
 
     int GetFourProperty(const char* key, unsigned int& value);
     int SetFourProperty(const char* key, unsigned int value);
@@ -56,11 +55,11 @@ public:
 
     int32_t GetPropertyCount() const;
     // The key at `index` in insertion order; a null wrapper when out of range.
-    Object<CString> GetPropertyName(int32_t index) const;
+    String GetPropertyName(int32_t index) const;
     unsigned int GetPropertyType(const char* key);
     const char* GetPropertyDescription(const char* key);
     // "(null)" or "(error)" as the bag answers; a null wrapper without a bag.
-    Object<CString> GetPropertyValue(const char* key);
+    String GetPropertyValue(const char* key);
 
 private:
     template <typename T>
