@@ -20,7 +20,7 @@ namespace Quorvex::Vek {
 template <typename T>
 class CArray : public CObject {
 public:
-    static constexpr uint32_t Type = Four("arry");
+    enum : uint32_t { Type = Four("arry") };
     static constexpr bool Counted = Detail::IsCounted<T>;
     using Element = Detail::ElementOf<T>;
     using Param = std::conditional_t<Counted, T*, const T&>;

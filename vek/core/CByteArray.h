@@ -11,7 +11,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CByteArray : public CObject {
 public:
-    static constexpr uint32_t Type = Four("data");
+    enum : uint32_t { Type = Four("data") };
 
     // `length` bytes, allocated (zeroed) when first needed.
     explicit CByteArray(int32_t length);

@@ -27,7 +27,7 @@ class CDictionary : public CObject {
     static_assert(Detail::IsCounted<V>, "values are counted CObjects");
 
 public:
-    static constexpr uint32_t Type = Four("dict");
+    enum : uint32_t { Type = Four("dict") };
 
     CDictionary() : CObject(Type) {}
 

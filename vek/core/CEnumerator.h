@@ -17,7 +17,7 @@ namespace Quorvex::Vek {
 template <typename T>
 class CEnumerator : public CObject {
 public:
-    static constexpr uint32_t Type = Four("enum");
+    enum : uint32_t { Type = Four("enum") };
     using Element = Detail::ElementOf<T>;
 
     // `collection` needs GetCount() and Get(int32_t) returning Element.

@@ -9,7 +9,7 @@ namespace Quorvex::Vek {
 
 class CFloatArray : public CArray<float> {
 public:
-    static constexpr uint32_t Type = Four("flts");
+    enum : uint32_t { Type = Four("flts") };
 
     CFloatArray() : CArray<float>(Type) {}
 

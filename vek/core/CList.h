@@ -13,7 +13,7 @@ class CList : public CArray<T> {
     static_assert(Detail::IsCounted<T>, "CList holds CObjects; use CValueList for values");
 
 public:
-    static constexpr uint32_t Type = Four("list");
+    enum : uint32_t { Type = Four("list") };
 
     CList() : CArray<T>(Type) {}
 

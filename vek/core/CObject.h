@@ -5,6 +5,10 @@
 // lock, and an optional reclaim hook through which pooled objects are
 // recycled instead of freed.
 //
+// Each class publishes its tag as `enum : uint32_t { Type = Four("....") }`:
+// an enumerator rather than a static data member, so DLL clients that bind
+// it to a reference need no data import.
+//
 // Lifetime: whoever creates an object owns its one reference. Acquire adds a
 // reference; Release drops one and, at zero, destroys the object or hands it
 // to its reclaim hook. Destructors of counted classes are protected: only

@@ -15,7 +15,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CPoolBase : public CObject {
 public:
-    static constexpr uint32_t Type = Four("pool");
+    enum : uint32_t { Type = Four("pool") };
 
     // An object with one reference for the caller, or null when the factory
     // fails.

@@ -18,7 +18,7 @@ namespace Quorvex::Vek {
 template <typename T>
 class CQueue : public CObject {
 public:
-    static constexpr uint32_t Type = Four("queu");
+    enum : uint32_t { Type = Four("queu") };
     static constexpr bool Counted = Detail::IsCounted<T>;
     using Element = Detail::ElementOf<T>;
     using Param = std::conditional_t<Counted, T*, const T&>;

@@ -35,7 +35,7 @@ class CByteArray;
 
 class VEK_API CString : public CObject {
 public:
-    static constexpr uint32_t Type = Four("text");
+    enum : uint32_t { Type = Four("text") };
 
     CString();
     CString(const char* text);

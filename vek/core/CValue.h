@@ -13,7 +13,7 @@ namespace Quorvex::Vek {
 template <typename T>
 class CValue : public CObject {
 public:
-    static constexpr uint32_t Type = Four("valu");
+    enum : uint32_t { Type = Four("valu") };
 
     explicit CValue(T value = T{}) : CObject(Type), m_value(std::move(value)) {}
 

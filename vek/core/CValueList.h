@@ -13,7 +13,7 @@ class CValueList : public CArray<T> {
     static_assert(!Detail::IsCounted<T>, "CValueList holds values; use CList for CObjects");
 
 public:
-    static constexpr uint32_t Type = Four("vlst");
+    enum : uint32_t { Type = Four("vlst") };
 
     CValueList() : CArray<T>(Type) {}
 

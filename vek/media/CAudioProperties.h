@@ -12,7 +12,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CAudioProperties : public CMediaProperties {
 public:
-    static constexpr uint32_t Type = Four("soun");
+    enum : uint32_t { Type = Four("soun") };
     // More channels than any known layout; a bound on what a file may ask for.
     static constexpr int32_t MaxChannels = 1024;
 

@@ -15,7 +15,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CMediaProperties : public CObject, public IProperties {
 public:
-    static constexpr uint32_t Type = Four("mdia");
+    enum : uint32_t { Type = Four("mdia") };
     static constexpr int64_t DefaultTimeScale = 10000000;
 
     // The described keys common to every medium; ends with a null key.

@@ -9,7 +9,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CSubtitleProperties : public CMediaProperties {
 public:
-    static constexpr uint32_t Type = Four("sbtl");
+    enum : uint32_t { Type = Four("sbtl") };
 
     // The described subtitle keys, common media keys included; ends with a null key.
     static const Accessor Accessors[];

@@ -9,7 +9,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CVideoProperties : public CMediaProperties {
 public:
-    static constexpr uint32_t Type = Four("vide");
+    enum : uint32_t { Type = Four("vide") };
 
     // Field order of interlaced pictures.
     enum FieldOrder : uint32_t {
