@@ -78,8 +78,9 @@ int CBinaryReader::ReadInt(int byteCount, int64_t& value)
 
 namespace {
 
+// `raw` is a reference: it is read only after the call that fills it.
 template <typename T, typename Source>
-int Narrow(int result, Source raw, T& value)
+int Narrow(int result, const Source& raw, T& value)
 {
     if (result >= 0)
         value = T(raw);

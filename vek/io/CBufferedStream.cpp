@@ -206,6 +206,27 @@ int CBufferedStream::LoadBlock(CCacheBlock& block, int64_t start)
     return 0;
 }
 
+// Reads what the inner stream now holds after the block's valid bytes;
+// those bytes were never written through the cache, so a dirty block
+// stays coherent without a write-back.
+int CBufferedStream::TopUp(CCacheBlock& block)
+{
+    if (!m_inner->CanSeek())
+        return RESULT_BAD_ORDER_ERROR;
+    int result = SeekInner(block.End());
+    if (result < 0)
+        return result;
+    while (block.valid < m_blockSize) {
+        result = m_inner->Read(block.bytes + block.valid, m_blockSize - block.valid);
+        if (result < 0)
+            return result;
+        if (result == 0)
+            break;
+        block.valid += result;
+    }
+    return 0;
+}
+
 int CBufferedStream::WriteBack(CCacheBlock& block)
 {
     if (!m_inner->CanSeek())
@@ -277,7 +298,8 @@ int CBufferedStream::Read(unsigned char* buffer, int32_t count)
     if (got < 0)
         return got;
     m_position += got;
-    if (m_position > m_length)
+    // Bytes past the length were found: the inner stream has grown.
+    if (got > 0 && m_position > m_length)
         m_length = m_position;
     return got;
 }
@@ -306,7 +328,7 @@ int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
         int64_t offset = position - block->start;
         if (offset >= block->valid && !fresh) {
             // Past what the block knows: the inner stream may have grown.
-            if ((result = WriteBack(*block)) < 0 || (result = LoadBlock(*block, block->start)) < 0)
+            if ((result = TopUp(*block)) < 0)
                 return result;
         }
         if (offset >= block->valid)

@@ -79,6 +79,7 @@ private:
     int FindBlock(int64_t position, bool load, CCacheBlock*& block, bool& fresh);
     CCacheBlock* PickVictim();
     int LoadBlock(CCacheBlock& block, int64_t start);
+    int TopUp(CCacheBlock& block);
     int WriteBack(CCacheBlock& block);
     int WriteBackOverlapping(int64_t start, int64_t end);
     void ExtendLength(int64_t length);

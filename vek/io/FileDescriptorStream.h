@@ -11,7 +11,7 @@ class VEK_API FileDescriptorStream : public FileStream {
 public:
     FileDescriptorStream() = default;
     // Adopts the caller's reference.
-    FileDescriptorStream(CFileDescriptorStream* stream) : FileStream(stream) {}
+    FileDescriptorStream(CFileDescriptorStream* stream) : BaseObject(stream), FileStream(stream) {}
 
     // Makes a stream in `mode` and opens the UTF-8 path. On success
     // `result` holds the stream (one reference) and the result is 0; on
