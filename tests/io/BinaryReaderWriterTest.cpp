@@ -75,10 +75,10 @@ TEST(BinaryReader, ShortReadsFailWithoutTouchingAnything)
     uint32_t four = 1;
     EXPECT_EQ(reader.ReadFourCC(four), RESULT_END_OF_STREAM);
     EXPECT_EQ(four, 1u);
-    GuidBytes guid{};
-    guid.bytes[0] = 0x55;
+    _Guid guid{};
+    guid.Data1 = 0x55;
     EXPECT_EQ(reader.ReadGuid(guid), RESULT_END_OF_STREAM);
-    EXPECT_EQ(guid.bytes[0], 0x55);
+    EXPECT_EQ(guid.Data1, 0x55u);
     double d = 2.5;
     EXPECT_EQ(reader.ReadDouble(d), RESULT_END_OF_STREAM);
     EXPECT_EQ(d, 2.5);
@@ -106,9 +106,8 @@ TEST(BinaryReaderWriter, RoundTripEveryType)
     for (ByteOrder order : {ByteOrder::LittleEndian, ByteOrder::BigEndian}) {
         RObject<CMemoryStream> stream(new CMemoryStream());
         CBinaryWriter writer(stream, order);
-        GuidBytes guid{};
-        for (int i = 0; i < 16; ++i)
-            guid.bytes[i] = uint8_t(0xA0 + i);
+        _Guid guid{};
+        ASSERT_EQ(_Guid::Parse("{66666972-912E-11CF-A5D6-28DB04C10000}", guid), 0);
         const double extendedValues[] = {44100.0, 48000.0, 0.0, -1.5, 1e-300, 3.75e300};
         ASSERT_EQ(writer.WriteUInt8(0xFE), 0);
         ASSERT_EQ(writer.WriteInt8(-2), 0);
@@ -133,7 +132,7 @@ TEST(BinaryReaderWriter, RoundTripEveryType)
         stream->Seek(0, CStream::Begin);
         CBinaryReader reader(stream, order);
         uint8_t u8; int8_t i8; uint16_t u16; int16_t i16; uint32_t u24; int32_t i24;
-        uint32_t u32; int32_t i32; uint64_t u64; int64_t i64; uint32_t four; GuidBytes g{};
+        uint32_t u32; int32_t i32; uint64_t u64; int64_t i64; uint32_t four; _Guid g{};
         float f; double d;
         ASSERT_EQ(reader.ReadUInt8(u8), 0);
         ASSERT_EQ(reader.ReadInt8(i8), 0);
@@ -160,7 +159,7 @@ TEST(BinaryReaderWriter, RoundTripEveryType)
         EXPECT_EQ(u64, 0x0123456789ABCDEFull);
         EXPECT_EQ(i64, -2);
         EXPECT_EQ(four, Four("RIFF"));
-        EXPECT_EQ(g, guid);
+        EXPECT_TRUE(g == guid);
         EXPECT_EQ(f, -0.15625f);
         EXPECT_EQ(d, 6.02214076e23);
         for (double value : extendedValues) {
@@ -171,6 +170,23 @@ TEST(BinaryReaderWriter, RoundTripEveryType)
         uint8_t end = 0;
         EXPECT_EQ(reader.ReadUInt8(end), RESULT_END_OF_STREAM);
     }
+}
+
+TEST(BinaryReader, GuidLayouts)
+{
+    // The Wave64 RIFF identifier as it lies in a file.
+    const std::vector<unsigned char> bytes = {0x72, 0x69, 0x66, 0x66, 0x2E, 0x91, 0xCF, 0x11,
+                                              0xA5, 0xD6, 0x28, 0xDB, 0x04, 0xC1, 0x00, 0x00};
+    _Guid riff{};
+    ASSERT_EQ(_Guid::Parse("{66666972-912E-11CF-A5D6-28DB04C10000}", riff), 0);
+    RObject<CMemoryStream> stream = StreamOf(bytes);
+    CBinaryReader reader(stream, ByteOrder::BigEndian);
+    _Guid read{};
+    ASSERT_EQ(reader.ReadGuid(read), 0);
+    EXPECT_TRUE(read == riff);
+    stream->Seek(0, CStream::Begin);
+    ASSERT_EQ(reader.ReadGuid(read, GuidByteOrder::BigEndian), 0);
+    EXPECT_EQ(read.Data1, 0x72696666u);
 }
 
 TEST(BinaryReader, ExtendedMatchesTheAiffEncoding)

@@ -1,5 +1,6 @@
 #include <vek/core/CString.h>
 #include <vek/core/RObject.h>
+#include <vek/core/String.h>
 #include <vek/core/Result.h>
 #include <vek/io/CFileDescriptorStream.h>
 #include <vek/io/CMemoryStream.h>
@@ -119,6 +120,12 @@ TEST(FileDescriptorStream, WriteReadSeekRoundTrip)
     EXPECT_EQ(handle.GetPosition(), -1);
     EXPECT_EQ(handle.Read(out, 1), RESULT_IO_ERROR);
     EXPECT_EQ(VekTest::ReadFile(path), bytes);
+
+    Stream reopened;
+    ASSERT_EQ(FileDescriptorStream::Open(String::Create(path.c_str()), Mode::Read, reopened), 0);
+    EXPECT_EQ(reopened.GetLength(), 10000);
+    EXPECT_EQ(reopened.Write(out, 1), RESULT_IO_ERROR) << "a read-only descriptor";
+    EXPECT_EQ(reopened.GetLength(), 10000);
 }
 
 TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)

@@ -157,13 +157,13 @@ int CBinaryReader::ReadFourCC(uint32_t& value)
     return 0;
 }
 
-int CBinaryReader::ReadGuid(GuidBytes& value)
+int CBinaryReader::ReadGuid(_Guid& value, GuidByteOrder layout)
 {
-    GuidBytes read{};
-    const int result = ReadExact(read.bytes, 16);
+    uint8_t bytes[16];
+    const int result = ReadExact(bytes, 16);
     if (result < 0)
         return result;
-    value = read;
+    value = _Guid::FromBytes(bytes, layout);
     return 0;
 }
 
