@@ -65,8 +65,9 @@ CBufferedStream::CBufferedStream(CStream* inner, int32_t blockSize, int32_t bloc
 
 CBufferedStream::~CBufferedStream()
 {
+    // Keep written bytes, but leave committing to disk to an explicit Flush.
     if (m_inner && m_inner->CanWrite())
-        Flush();
+        WriteBackAll();
 }
 
 int32_t CBufferedStream::GetBlockCount() const
@@ -447,12 +448,20 @@ int CBufferedStream::Flush()
         return RESULT_BAD_ORDER_ERROR;
     if (!m_inner->CanWrite())
         return 0;
+    const int result = WriteBackAll();
+    if (result < 0)
+        return result;
+    return m_inner->Flush();
+}
+
+int CBufferedStream::WriteBackAll()
+{
     for (int32_t i = GetBlockCount(); i-- > 0;) {
         const int result = WriteBack(*BlockAt(i));
         if (result < 0)
             return result;
     }
-    return m_inner->Flush();
+    return 0;
 }
 
 void CBufferedStream::Close()

@@ -67,7 +67,7 @@ public:
     class CCacheBlock;
 
 protected:
-    // Writes dirty blocks back (without closing the inner stream).
+    // Writes dirty blocks back; neither flushes nor closes the inner stream.
     ~CBufferedStream() override;
 
 private:
@@ -84,6 +84,8 @@ private:
     int TopUp(CCacheBlock& block);
     int WriteBack(CCacheBlock& block);
     int WriteBackOverlapping(int64_t start, int64_t end);
+    // Every block from the last to the first, stopping at the first failure.
+    int WriteBackAll();
     void ExtendLength(int64_t length);
     int SeekInner(int64_t position);
 
