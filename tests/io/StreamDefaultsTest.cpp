@@ -1,6 +1,7 @@
 #include <vek/core/CByteArray.h>
 #include <vek/core/RObject.h>
 #include <vek/core/Result.h>
+#include <vek/io/BufferedStream.h>
 #include <vek/io/CMemoryStream.h>
 #include <vek/io/CStream.h>
 #include <vek/io/ExternalStream.h>
@@ -203,6 +204,28 @@ TEST(ExternalStream, UntrustedAnswersAreChecked)
     EXPECT_EQ(stream.Seek(30, CStream::Current), 30);
     EXPECT_EQ(host.position, 30);
     EXPECT_EQ(stream.Seek(0, CStream::Begin), RESULT_NOT_IMPLEMENTED);
+}
+
+TEST(ExternalStream, ServesAsTheInnerStreamOfACache)
+{
+    HostStream host;
+    for (int i = 0; i < 100; ++i)
+        host.bytes.push_back(uint8_t(i));
+    {
+        BufferedStream cache = BufferedStream::Create(host.AsStream(), 16, 2);
+        unsigned char out[10] = {};
+        ASSERT_EQ(cache.Seek(45, CStream::Begin), 0);
+        ASSERT_EQ(cache.Read(out, 10), 10);
+        EXPECT_EQ(out[0], 45);
+        const unsigned char patch[3] = {0xF0, 0xF1, 0xF2};
+        ASSERT_EQ(cache.Seek(98, CStream::Begin), 0);
+        ASSERT_EQ(cache.Write(patch, 3), 3);
+        EXPECT_EQ(host.bytes.size(), 100u) << "still in the cache";
+        EXPECT_EQ(cache.Flush(), 1) << "the host's own Flush answer";
+    }
+    ASSERT_EQ(host.bytes.size(), 101u);
+    EXPECT_EQ(host.bytes[97], 97);
+    EXPECT_EQ(host.bytes[100], 0xF2);
 }
 
 TEST(StreamWrapper, NullHandleAnswersWithoutTouchingAnything)
