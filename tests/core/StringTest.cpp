@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <thread>
+#include <vector>
 
 using namespace Quorvex::Vek;
 
@@ -423,4 +425,22 @@ TEST(CString, UnpairedSurrogatesBecomeReplacementInUtf8)
     EXPECT_EQ(uint16_t(wide[1]), 0xDFB5);
     EXPECT_EQ(wide[2], 0);
     delete[] wide;
+}
+
+// The first demand for a form may come from several threads at once; all
+// must see one cached copy.
+TEST(CString, ConcurrentFirstConversionSharesOneCopy)
+{
+    for (int round = 0; round < 20; ++round) {
+        Str s = Make("caf\xC3\xA9 \xF0\x9F\x8E\xB5");
+        const WChar* seen[4] = {};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([&, t] { seen[t] = s->GetWChars(); });
+        for (std::thread& t : threads)
+            t.join();
+        for (const WChar* p : seen)
+            EXPECT_EQ(p, seen[0]);
+        EXPECT_EQ(s->GetLength(), 7);
+    }
 }

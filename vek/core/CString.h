@@ -18,6 +18,7 @@
 #include <cstdarg>
 
 #include <vek/core/CObject.h>
+#include <vek/core/RObject.h>
 
 // A UTF-16 literal of type const WChar[] on every platform: VEK_W("text").
 #if VEK_PLATFORM_WINDOWS
