@@ -128,6 +128,35 @@ TEST(FileDescriptorStream, WriteReadSeekRoundTrip)
     EXPECT_EQ(reopened.GetLength(), 10000);
 }
 
+TEST(FileDescriptorStream, PathsAreUnicode)
+{
+    TempDir dir;
+    // "Grüße-音.wav" spelled in UTF-8 bytes, and the same name as UTF-16.
+    const std::string name = "Gr\xC3\xBC\xC3\x9F" "e-\xE9\x9F\xB3.wav";
+    // Joined by hand: the test support's path helpers go through the
+    // Windows ANSI code page, not UTF-8.
+    const std::string path = dir.Path() + "/" + name;
+    Stream written;
+    ASSERT_EQ(FileDescriptorStream::Open(path.c_str(), Mode::Write, written), 0);
+    const unsigned char bytes[3] = {1, 2, 3};
+    ASSERT_EQ(written.Write(bytes, 3), 3);
+    written.Close();
+
+    namespace fs = std::filesystem;
+    const fs::path expected = fs::path(dir.Path()) / fs::path(std::u8string(
+        reinterpret_cast<const char8_t*>(name.data()), name.size()));
+    ASSERT_TRUE(fs::exists(expected));
+    EXPECT_EQ(fs::file_size(expected), 3u);
+
+    std::u16string wide = std::filesystem::path(dir.Path()).u16string();
+    wide += u"/Gr\u00FC\u00DFe-\u97F3.wav";
+    Stream read;
+    ASSERT_EQ(FileDescriptorStream::Open(
+                  String::Create(reinterpret_cast<const WChar*>(wide.c_str())), Mode::Read, read),
+              0);
+    EXPECT_EQ(read.GetLength(), 3);
+}
+
 TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
 {
     TempDir dir;
