@@ -25,7 +25,7 @@ class CList;
 
 class VEK_API CBufferedStream : public CStream {
 public:
-    static constexpr uint32_t Type = Four("bfst");
+    enum : uint32_t { Type = Four("bfst") };
 
     // Takes one reference to `inner`. Makes `blockCount` blocks of
     // `blockSize` bytes (none when either is 0 or less; every operation then

@@ -14,7 +14,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CMemoryStream : public CStream {
 public:
-    static constexpr uint32_t Type = Four("mems");
+    enum : uint32_t { Type = Four("mems") };
 
     // Growable, capacity 32, length 0.
     CMemoryStream();
