@@ -90,8 +90,8 @@ public:
     bool IsAbsoluteUri();
     static bool IsAbsoluteUri(CString* url);
 
-    // The library's reserved characters: ; / ? : @ & = + $ , ^ ` { } | [ ] " < > \
-    // and everything outside 0x21..0x7E.
+    // The library's reserved characters: ; / ? : @ & = + $ , ^ ` { } | [ ] " < >,
+    // the backslash, and everything outside 0x21..0x7E.
     static bool IsReserved(char c);
     static bool IsHexDigit(char c);
     // 0..15, or -1 for a character that is not a hexadecimal digit.

@@ -331,14 +331,13 @@ bool CombineUrl(const char* base, const char* relative, char* out)
         uriFreeUriMembersA(&baseUri);
         return false;
     }
-    bool ok = uriAddBaseUriExA(&result, &relativeUri, &baseUri,
-                               URI_RESOLVE_IDENTICAL_SCHEME_COMPAT) == URI_SUCCESS;
+    const bool resolved = uriAddBaseUriExA(&result, &relativeUri, &baseUri,
+                                           URI_RESOLVE_IDENTICAL_SCHEME_COMPAT) == URI_SUCCESS;
     int required = 0;
-    if (ok)
-        ok = uriToStringCharsRequiredA(&result, &required) == URI_SUCCESS &&
-             required >= 0 && uint32_t(required) < UrlCapacity &&
-             uriToStringA(out, &result, int(UrlCapacity), nullptr) == URI_SUCCESS;
-    if (ok)
+    const bool ok = resolved && uriToStringCharsRequiredA(&result, &required) == URI_SUCCESS &&
+                    required >= 0 && uint32_t(required) < UrlCapacity &&
+                    uriToStringA(out, &result, int(UrlCapacity), nullptr) == URI_SUCCESS;
+    if (resolved)
         uriFreeUriMembersA(&result);
     uriFreeUriMembersA(&relativeUri);
     uriFreeUriMembersA(&baseUri);
