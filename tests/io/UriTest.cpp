@@ -177,7 +177,7 @@ TEST(UriTest, NormalisesUrlsLikeTheWindowsServices)
         {"http://h/x^y{z}|`[]\"<>w", "http://h/x%5Ey%7Bz%7D%7C%60%5B%5D%22%3C%3Ew"},
         {"http://h/100%", "http://h/100%"},
         {"http://h/a%2Fb", "http://h/a/b"},
-        {"http://h/a&b=c;d", "http://h/a&b=c;d"},
+        {"http://h/a&b=c;d", "http://h/a%26b=c;d"},
         {"http://h/\xC3\xA9\x7F", "http://h/%C3%A9%7F"},
         {"HTTP://H/a b", "HTTP://H/a%20b"},
         {"http:\\\\h\\x", "http://h/x"},

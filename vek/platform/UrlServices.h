@@ -62,7 +62,7 @@ bool CrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts);
 bool CombineUrl(const char* base, const char* relative, char* out);
 
 // Escapes the characters that are unsafe in a URL (space, controls, bytes
-// of 0x7F and above, and < > " { } | \ ^ [ ] `) up to the first '?' or '#'
+// of 0x7F and above, and < > " { } | \ ^ [ ] ` &) up to the first '?' or '#'
 // ("file" URLs escape '#' too and keep going to the '?'); leaves '%' alone.
 // Normalises the slashes of "file" URLs. `out` holds UrlCapacity characters.
 bool EscapeUrl(const char* url, char* out);

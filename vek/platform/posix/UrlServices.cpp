@@ -265,7 +265,7 @@ SchemeKind KindOf(const char* url, size_t schemeLength)
 bool NeedsUrlEscape(char c)
 {
     const uint8_t b = uint8_t(c);
-    return b <= 0x20 || b >= 0x7F || std::strchr("<>\"{}|\\^[]`", c) != nullptr;
+    return b <= 0x20 || b >= 0x7F || std::strchr("<>\"{}|\\^[]`&", c) != nullptr;
 }
 
 // "file:" followed by 1 or 3 slashes (or "//localhost/") gets three; two
