@@ -1,0 +1,429 @@
+#include <vek/io/CBufferedStream.h>
+
+#include <vek/core/CByteArray.h>
+#include <vek/core/Log.h>
+#include <vek/core/Result.h>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace Quorvex::Vek {
+
+// One cache block: a copy of the inner stream's bytes at [start, start +
+// valid), possibly changed (dirty) and not yet written back.
+class CBufferedStream::CCacheBlock : public CObject {
+public:
+    explicit CCacheBlock(int32_t size) : m_array(new (std::nothrow) CByteArray(size))
+    {
+        bytes = m_array ? m_array->GetData() : nullptr;
+    }
+
+    bool IsUsable() const { return bytes != nullptr; }
+    int64_t End() const { return start + valid; }
+
+    unsigned char* bytes = nullptr;
+    int64_t start = -1; // -1: holds nothing
+    int32_t valid = 0;
+    bool dirty = false;
+    uint64_t lastUse = 0;
+
+protected:
+    ~CCacheBlock() override = default;
+
+private:
+    RObject<CByteArray> m_array;
+};
+
+CBufferedStream::CBufferedStream(CStream* inner, int32_t blockSize, int32_t blockCount)
+    : CStream(Type), m_inner(RObject<CStream>::FromObject(inner))
+{
+    m_length = inner ? std::max<int64_t>(inner->GetLength(), 0) : 0;
+    if (blockSize <= 0 || blockCount <= 0)
+        return;
+    m_blockSize = blockSize;
+    m_blocks.reserve(size_t(blockCount));
+    for (int32_t i = 0; i < blockCount; ++i) {
+        RObject<CCacheBlock> block(new (std::nothrow) CCacheBlock(blockSize));
+        if (!block || !block->IsUsable()) {
+            Log(LogLevel::Error,
+                "CBufferedStream::CBufferedStream: RESULT_OUT_OF_MEMORY after %d of %d blocks\n",
+                i, blockCount);
+            break;
+        }
+        m_blocks.push_back(std::move(block));
+    }
+    if (m_blocks.empty())
+        m_blockSize = 0;
+}
+
+CBufferedStream::~CBufferedStream()
+{
+    if (m_inner && m_inner->CanWrite())
+        Flush();
+}
+
+int CBufferedStream::Control(uint32_t code, int32_t size, unsigned char* data)
+{
+    return m_inner ? m_inner->Control(code, size, data) : RESULT_NOT_SUPPORTED;
+}
+
+bool CBufferedStream::CanRead()
+{
+    return m_inner && m_inner->CanRead();
+}
+
+bool CBufferedStream::CanSeek()
+{
+    return m_inner && m_inner->CanSeek();
+}
+
+bool CBufferedStream::CanWrite()
+{
+    return m_inner && m_inner->CanWrite();
+}
+
+int64_t CBufferedStream::GetAvailableLength()
+{
+    const int64_t inner = m_inner ? m_inner->GetAvailableLength() : -1;
+    return std::max(m_length, inner);
+}
+
+int CBufferedStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition)
+{
+    int64_t base = 0;
+    bool known = true;
+    switch (origin) {
+    case Begin: base = 0; break;
+    case Current: base = m_position; break;
+    case End: base = m_length; break;
+    default: known = false; break;
+    }
+    if (known) {
+        int64_t target = 0;
+        if (__builtin_add_overflow(base, offset, &target) || target < 0)
+            return RESULT_ARGUMENT_OUT_OF_RANGE;
+        m_position = target;
+    }
+    if (newPosition)
+        *newPosition = m_position;
+    return 0;
+}
+
+int CBufferedStream::SeekInner(int64_t position)
+{
+    return m_inner->Seek(position, Begin, nullptr);
+}
+
+// ---- blocks ------------------------------------------------------------
+
+CBufferedStream::CCacheBlock* CBufferedStream::PickVictim()
+{
+    CCacheBlock* victim = m_blocks.front();
+    for (const RObject<CCacheBlock>& block : m_blocks) {
+        if (block->start < 0)
+            return block;
+        if (block->lastUse < victim->lastUse)
+            victim = block;
+    }
+    return victim;
+}
+
+// The block covering `position`: a cached one, or a reused victim that is
+// loaded from the inner stream when `load` is set and left empty otherwise
+// (for a write that covers the whole block). `fresh` tells whether the
+// block was just read from the inner stream.
+int CBufferedStream::FindBlock(int64_t position, bool load, CCacheBlock*& block, bool& fresh)
+{
+    const int64_t start = position / m_blockSize * m_blockSize;
+    fresh = false;
+    CCacheBlock* last = m_blocks[m_lastHit];
+    if (last->start == start) {
+        block = last;
+        block->lastUse = ++m_clock;
+        return 0;
+    }
+    for (size_t i = 0; i < m_blocks.size(); ++i) {
+        if (m_blocks[i]->start == start) {
+            m_lastHit = i;
+            block = m_blocks[i];
+            block->lastUse = ++m_clock;
+            return 0;
+        }
+    }
+    CCacheBlock* victim = PickVictim();
+    if (victim->dirty) {
+        const int result = WriteBack(*victim);
+        if (result < 0)
+            return result;
+    }
+    if (load) {
+        const int result = LoadBlock(*victim, start);
+        if (result < 0)
+            return result;
+        fresh = true;
+    } else {
+        victim->start = start;
+        victim->valid = 0;
+        victim->dirty = false;
+    }
+    for (size_t i = 0; i < m_blocks.size(); ++i)
+        if (m_blocks[i].Get() == victim)
+            m_lastHit = i;
+    victim->lastUse = ++m_clock;
+    block = victim;
+    return 0;
+}
+
+int CBufferedStream::LoadBlock(CCacheBlock& block, int64_t start)
+{
+    if (!m_inner->CanSeek())
+        return RESULT_BAD_ORDER_ERROR;
+    block.start = -1;
+    block.valid = 0;
+    block.dirty = false;
+    int result = SeekInner(start);
+    if (result < 0)
+        return result;
+    int32_t got = 0;
+    while (got < m_blockSize) {
+        result = m_inner->Read(block.bytes + got, m_blockSize - got);
+        if (result < 0)
+            return result;
+        if (result == 0)
+            break;
+        got += result;
+    }
+    block.start = start;
+    block.valid = got;
+    // Bytes up to the buffered length that the inner stream does not hold
+    // yet lie in a gap that a pending write beyond them will create.
+    const int64_t wanted = std::min<int64_t>(m_blockSize, m_length - start);
+    if (wanted > block.valid) {
+        std::memset(block.bytes + block.valid, 0, size_t(wanted - block.valid));
+        block.valid = int32_t(wanted);
+    }
+    return 0;
+}
+
+int CBufferedStream::WriteBack(CCacheBlock& block)
+{
+    if (!m_inner->CanSeek())
+        return RESULT_BAD_ORDER_ERROR;
+    if (!block.dirty)
+        return 0;
+    if (block.start < 0)
+        return RESULT_BAD_ORDER_ERROR;
+    int result = SeekInner(block.start);
+    if (result < 0)
+        return result;
+    result = m_inner->Write(block.bytes, block.valid);
+    if (result < 0)
+        return result;
+    if (result != block.valid) {
+        Log(LogLevel::Error, "CBufferedStream::WriteBack: wrote %d of %d bytes at %lld\n", result,
+            block.valid, static_cast<long long>(block.start));
+        return RESULT_IO_ERROR;
+    }
+    block.dirty = false;
+    return 0;
+}
+
+int CBufferedStream::WriteBackOverlapping(int64_t start, int64_t end)
+{
+    for (const RObject<CCacheBlock>& block : m_blocks) {
+        if (block->dirty && block->start < end && block->End() > start) {
+            const int result = WriteBack(*block);
+            if (result < 0)
+                return result;
+        }
+    }
+    return 0;
+}
+
+// Cached blocks that ended short at the old end read the new gap as zeros.
+void CBufferedStream::ExtendLength(int64_t length)
+{
+    if (length <= m_length)
+        return;
+    for (const RObject<CCacheBlock>& block : m_blocks) {
+        if (block->start < 0 || block->start >= length)
+            continue;
+        const int64_t wanted = std::min<int64_t>(m_blockSize, length - block->start);
+        if (wanted > block->valid) {
+            std::memset(block->bytes + block->valid, 0, size_t(wanted - block->valid));
+            block->valid = int32_t(wanted);
+        }
+    }
+    m_length = length;
+}
+
+// ---- reading -----------------------------------------------------------
+
+int CBufferedStream::Read(unsigned char* buffer, int32_t count)
+{
+    if (!m_inner || !m_inner->CanRead())
+        return RESULT_BAD_ORDER_ERROR;
+    if (m_position < 0)
+        return RESULT_END_OF_STREAM;
+    if (count <= 0) {
+        if (m_position > m_length)
+            m_length = m_position;
+        return 0;
+    }
+    if (!buffer)
+        return RESULT_ARGUMENT_NULL;
+    const int got = m_blocks.empty() ? PassThroughRead(buffer, count) : ReadCached(buffer, count);
+    if (got < 0)
+        return got;
+    m_position += got;
+    if (m_position > m_length)
+        m_length = m_position;
+    return got;
+}
+
+int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
+{
+    int32_t got = 0;
+    bool direct = true;
+    while (got < count) {
+        const int64_t position = m_position + got;
+        const int32_t remaining = count - got;
+        if (direct && remaining >= m_blockSize) {
+            const int result = ReadDirect(position, buffer + got, remaining);
+            if (result < 0)
+                return result;
+            got += result;
+            // Short: the rest may lie in a gap only the cache knows about.
+            direct = false;
+            continue;
+        }
+        CCacheBlock* block = nullptr;
+        bool fresh = false;
+        int result = FindBlock(position, true, block, fresh);
+        if (result < 0)
+            return result;
+        int64_t offset = position - block->start;
+        if (offset >= block->valid && !fresh) {
+            // Past what the block knows: the inner stream may have grown.
+            if ((result = WriteBack(*block)) < 0 || (result = LoadBlock(*block, block->start)) < 0)
+                return result;
+        }
+        if (offset >= block->valid)
+            break;
+        const int32_t n = int32_t(std::min<int64_t>(block->valid - offset, remaining));
+        std::memcpy(buffer + got, block->bytes + offset, size_t(n));
+        got += n;
+    }
+    return got;
+}
+
+int CBufferedStream::ReadDirect(int64_t position, unsigned char* buffer, int32_t count)
+{
+    int result = WriteBackOverlapping(position, position + count);
+    if (result < 0 || (result = SeekInner(position)) < 0)
+        return result;
+    int32_t got = 0;
+    while (got < count) {
+        result = m_inner->Read(buffer + got, count - got);
+        if (result < 0)
+            return result;
+        if (result == 0)
+            break;
+        got += result;
+    }
+    return got;
+}
+
+int CBufferedStream::PassThroughRead(unsigned char* buffer, int32_t count)
+{
+    const int result = SeekInner(m_position);
+    if (result < 0)
+        return result;
+    return m_inner->Read(buffer, count);
+}
+
+// ---- writing -----------------------------------------------------------
+
+int CBufferedStream::Write(const unsigned char* buffer, int32_t count)
+{
+    if (!m_inner)
+        return RESULT_BAD_ORDER_ERROR;
+    if (!m_inner->CanWrite())
+        return RESULT_NOT_SUPPORTED;
+    if (m_position < 0)
+        return RESULT_END_OF_STREAM;
+    if (count < 0)
+        return RESULT_ARGUMENT_OUT_OF_RANGE;
+    if (count == 0)
+        return 0;
+    if (!buffer)
+        return RESULT_ARGUMENT_NULL;
+    const int put = m_blocks.empty() ? PassThroughWrite(buffer, count) : WriteCached(buffer, count);
+    if (put < 0)
+        return put;
+    m_position += put;
+    ExtendLength(m_position);
+    return put;
+}
+
+int CBufferedStream::WriteCached(const unsigned char* buffer, int32_t count)
+{
+    int32_t done = 0;
+    while (done < count) {
+        const int64_t position = m_position + done;
+        const int32_t offset = int32_t(position % m_blockSize);
+        const int32_t n = std::min(m_blockSize - offset, count - done);
+        const bool wholeBlock = offset == 0 && n == m_blockSize;
+        CCacheBlock* block = nullptr;
+        bool fresh = false;
+        const int result = FindBlock(position, !wholeBlock, block, fresh);
+        if (result < 0)
+            return result;
+        if (offset > block->valid)
+            std::memset(block->bytes + block->valid, 0, size_t(offset - block->valid));
+        std::memcpy(block->bytes + offset, buffer + done, size_t(n));
+        block->valid = std::max(block->valid, offset + n);
+        block->dirty = true;
+        done += n;
+    }
+    return done;
+}
+
+int CBufferedStream::PassThroughWrite(const unsigned char* buffer, int32_t count)
+{
+    const int result = SeekInner(m_position);
+    if (result < 0)
+        return result;
+    return m_inner->Write(buffer, count);
+}
+
+// ---- flushing and closing ---------------------------------------------
+
+int CBufferedStream::Flush()
+{
+    if (!m_inner)
+        return RESULT_BAD_ORDER_ERROR;
+    if (!m_inner->CanWrite())
+        return 0;
+    for (size_t i = m_blocks.size(); i-- > 0;) {
+        const int result = WriteBack(*m_blocks[i]);
+        if (result < 0)
+            return result;
+    }
+    return m_inner->Flush();
+}
+
+void CBufferedStream::Close()
+{
+    if (!m_inner)
+        return;
+    Flush();
+    m_inner->Close();
+    m_inner.SafeRelease();
+    m_blocks.clear();
+    m_blockSize = 0;
+    m_lastHit = 0;
+}
+
+} // namespace Quorvex::Vek

@@ -1,0 +1,140 @@
+#include <vek/platform/FileDescriptor.h>
+
+#include <windows.h>
+
+#include <errno.h>
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <vector>
+
+namespace Quorvex::Vek::Platform {
+
+namespace {
+
+FileError MakeError(int number)
+{
+    FileError error;
+    error.number = number;
+    switch (number) {
+    case ENOENT: error.kind = FileErrorKind::NoEntry; break;
+    case EACCES: error.kind = FileErrorKind::AccessDenied; break;
+    case EEXIST: error.kind = FileErrorKind::Exists; break;
+    case EISDIR: error.kind = FileErrorKind::IsDirectory; break;
+    case ENOSPC: error.kind = FileErrorKind::NoSpace; break;
+    case ENAMETOOLONG: error.kind = FileErrorKind::NameTooLong; break;
+    case ENOMEM: error.kind = FileErrorKind::NoMemory; break;
+    default: error.kind = FileErrorKind::Other; break;
+    }
+    return error;
+}
+
+int OpenFlags(FileOpenMode mode)
+{
+    switch (mode) {
+    case FileOpenMode::Read: return _O_BINARY | _O_RDONLY;
+    case FileOpenMode::Write: return _O_BINARY | _O_WRONLY | _O_CREAT | _O_TRUNC;
+    case FileOpenMode::ReadWrite: return _O_BINARY | _O_RDWR | _O_CREAT | _O_TRUNC;
+    case FileOpenMode::Append: return _O_BINARY | _O_WRONLY | _O_CREAT | _O_APPEND;
+    case FileOpenMode::AppendReadWrite: return _O_BINARY | _O_RDWR | _O_CREAT | _O_APPEND;
+    }
+    return _O_BINARY | _O_RDONLY;
+}
+
+std::vector<wchar_t> Widen(const char* utf8)
+{
+    const int units = MultiByteToWideChar(CP_UTF8, 0, utf8, -1, nullptr, 0);
+    if (units <= 0)
+        return {};
+    std::vector<wchar_t> wide(size_t(units));
+    MultiByteToWideChar(CP_UTF8, 0, utf8, -1, wide.data(), units);
+    return wide;
+}
+
+bool IsDirectory(const wchar_t* path)
+{
+    const DWORD attributes = GetFileAttributesW(path);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+} // namespace
+
+int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
+{
+    std::vector<wchar_t> path = Widen(utf8Path);
+    if (path.empty()) {
+        error = MakeError(ENOENT);
+        return kInvalidFileDescriptor;
+    }
+    const int descriptor = _wopen(path.data(), OpenFlags(mode), _S_IREAD | _S_IWRITE);
+    if (descriptor >= 0)
+        return descriptor;
+    const int number = errno;
+    // The runtime reports a directory as access denied; name it as POSIX does.
+    if (number == EACCES && IsDirectory(path.data())) {
+        error = MakeError(EISDIR);
+        return kInvalidFileDescriptor;
+    }
+    error = MakeError(number);
+    return kInvalidFileDescriptor;
+}
+
+int32_t FileRead(int descriptor, void* buffer, int32_t count, FileError& error)
+{
+    const int got = _read(descriptor, buffer, unsigned(count));
+    if (got < 0) {
+        error = MakeError(errno);
+        return -1;
+    }
+    return int32_t(got);
+}
+
+int32_t FileWrite(int descriptor, const void* buffer, int32_t count, FileError& error)
+{
+    const int put = _write(descriptor, buffer, unsigned(count));
+    if (put < 0) {
+        error = MakeError(errno);
+        return -1;
+    }
+    if (put < count) {
+        error = MakeError(ENOSPC);
+        return -1;
+    }
+    return int32_t(put);
+}
+
+int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileError& error)
+{
+    const int64_t position = _lseeki64(descriptor, offset, int(origin));
+    if (position < 0) {
+        error = MakeError(errno);
+        return -1;
+    }
+    return position;
+}
+
+int64_t FileTell(int descriptor)
+{
+    return _telli64(descriptor);
+}
+
+int64_t FileTellAfterWrite(int descriptor)
+{
+    return int64_t(_tell(descriptor));
+}
+
+bool FileCommit(int descriptor, FileError& error)
+{
+    if (_commit(descriptor) == 0)
+        return true;
+    error = MakeError(errno);
+    return false;
+}
+
+bool FileClose(int descriptor)
+{
+    return _close(descriptor) == 0;
+}
+
+} // namespace Quorvex::Vek::Platform
