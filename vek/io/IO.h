@@ -6,6 +6,10 @@
 #include <vek/io/CBinaryReader.h>
 #include <vek/io/CBinaryWriter.h>
 #include <vek/io/CBufferedStream.h>
+#include <vek/io/CContainerContext.h>
+#include <vek/io/CContainerDirectoryContext.h>
+#include <vek/io/CContainerMultiFileContext.h>
+#include <vek/io/CContainerStreamContext.h>
 #include <vek/io/CDataUri.h>
 #include <vek/io/CExternalStream.h>
 #include <vek/io/CFileDescriptorStream.h>
@@ -16,7 +20,9 @@
 #include <vek/io/CUriBuilder.h>
 #include <vek/io/CUriParameter.h>
 #include <vek/io/CUriParameterCollection.h>
+#include <vek/io/ContainerContext.h>
 #include <vek/io/ExternalStream.h>
 #include <vek/io/FileDescriptorStream.h>
 #include <vek/io/FileStream.h>
 #include <vek/io/Stream.h>
+#include <vek/io/Uri.h>
