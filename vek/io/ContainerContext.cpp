@@ -16,6 +16,13 @@ RObject<CString> NewText(const char* text)
     return RObject<CString>(text ? new (std::nothrow) CString(text) : nullptr);
 }
 
+// Hands the caller's reference to the handle through the base, which
+// adopts whatever the handle's own constructors do.
+void Adopt(Stream& handle, CStream* stream)
+{
+    static_cast<BaseObject&>(handle) = static_cast<CObject*>(stream);
+}
+
 } // namespace
 
 ContainerContext ContainerContext::FromObject(CContainerContext* context)
@@ -106,7 +113,7 @@ int ContainerContext::OpenReadStream(const char* name, int32_t bufferSize, int32
     CStream* stream = nullptr;
     const int status = ToObject()->OpenStream(settings, NewText(name), stream);
     if (status >= 0)
-        result = stream;
+        Adopt(result, stream);
     return status;
 }
 
@@ -117,7 +124,7 @@ int ContainerContext::OpenWriteStream(const char* name, Stream& result) const
     CStream* stream = nullptr;
     const int status = ToObject()->OpenStream(CContainerContext::WriterSettings{}, NewText(name), stream);
     if (status >= 0)
-        result = stream;
+        Adopt(result, stream);
     return status;
 }
 

@@ -14,7 +14,8 @@ class VEK_API ContainerContext : public Object<CContainerContext> {
 public:
     ContainerContext() = default;
     // Adopts the caller's reference.
-    ContainerContext(CContainerContext* context) : Object<CContainerContext>(context) {}
+    // BaseObject is a virtual base: the most derived class must initialise it.
+    ContainerContext(CContainerContext* context) : BaseObject(context) {}
     static ContainerContext FromObject(CContainerContext* context);
 
     // Each gives a null handle on failure.

@@ -12,7 +12,8 @@ class VEK_API Uri : public Object<CUri> {
 public:
     Uri() = default;
     // Adopts the caller's reference.
-    Uri(CUri* uri) : Object<CUri>(uri) {}
+    // BaseObject is a virtual base: the most derived class must initialise it.
+    Uri(CUri* uri) : BaseObject(uri) {}
     static Uri FromObject(CUri* uri);
 
     // Each gives a null handle on failure.
