@@ -172,7 +172,7 @@ int CByteArray::FromHexString(const char* text, CByteArray*& out)
     std::size_t digits = 0;
     for (; text[digits]; ++digits) {
         if (HexDigit(text[digits]) < 0) {
-            Log(LogLevel::Error, "CByteArray::FromHexString: no hexadecimal digit at position %zu\n", digits);
+            Log(LogLevel::Error, "CByteArray::FromHexString: no hexadecimal digit at position %lld\n", (long long)digits);
             return RESULT_FORMAT_ERROR;
         }
         if (digits >= std::size_t(INT32_MAX)) {

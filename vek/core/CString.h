@@ -18,6 +18,14 @@
 #include <cstdarg>
 
 #include <vek/core/CObject.h>
+#include <vek/core/RObject.h>
+
+// A UTF-16 literal of type const WChar[] on every platform: VEK_W("text").
+#if VEK_PLATFORM_WINDOWS
+#define VEK_W(text) L##text
+#else
+#define VEK_W(text) u##text
+#endif
 
 namespace Quorvex::Vek {
 

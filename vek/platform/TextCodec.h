@@ -1,9 +1,10 @@
 #pragma once
 
 // Conversion between UTF-8 and UTF-16 text. Both directions are strict:
-// every ill-formed part of the input (a bad lead byte, a truncated or
-// overlong sequence, an encoded surrogate, a value above U+10FFFF, an
-// unpaired surrogate unit) becomes one U+FFFD, so the output is always
+// ill-formed input (a bad lead byte, a truncated or overlong sequence, an
+// encoded surrogate, a value above U+10FFFF, an unpaired surrogate unit)
+// becomes U+FFFD, one for each maximal part that could start a valid
+// sequence (the practice Unicode recommends), so the output is always
 // well-formed. Lengths are in code units and never include a terminator.
 #include <cstdint>
 
@@ -25,5 +26,14 @@ bool IsWellFormedUtf8(const char* text, int32_t length);
 
 // Converts `length` UTF-16 units; same conventions as Utf8ToUtf16.
 int32_t Utf16ToUtf8(const TextUnit16* text, int32_t length, char* out, int32_t capacity);
+
+// The library's own codec behind the functions above, the same on every
+// build. The POSIX build uses it directly; the Windows build converts
+// well-formed text with the system (code page 65001) and leaves the
+// substitution for ill-formed text to these, because Windows versions and
+// Wine disagree on how many U+FFFD a bad sequence yields.
+int32_t StrictUtf8ToUtf16(const char* text, int32_t length, TextUnit16* out, int32_t capacity);
+int32_t StrictUtf16ToUtf8(const TextUnit16* text, int32_t length, char* out, int32_t capacity);
+bool StrictIsWellFormedUtf8(const char* text, int32_t length);
 
 } // namespace Quorvex::Vek::Platform
