@@ -11,7 +11,7 @@ class VEK_API BufferedStream : public Stream {
 public:
     BufferedStream() = default;
     // Adopts the caller's reference.
-    BufferedStream(CBufferedStream* stream) : Stream(stream) {}
+    BufferedStream(CBufferedStream* stream) : BaseObject(stream), Stream(stream) {}
 
     // A cache of `blockCount` blocks of `blockSize` bytes in front of
     // `inner` (which it shares). A null handle when out of memory.

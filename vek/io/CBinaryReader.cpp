@@ -78,8 +78,9 @@ int CBinaryReader::ReadInt(int byteCount, int64_t& value)
 
 namespace {
 
+// `raw` is a reference: it is read only after the call that fills it.
 template <typename T, typename Source>
-int Narrow(int result, Source raw, T& value)
+int Narrow(int result, const Source& raw, T& value)
 {
     if (result >= 0)
         value = T(raw);
@@ -156,13 +157,13 @@ int CBinaryReader::ReadFourCC(uint32_t& value)
     return 0;
 }
 
-int CBinaryReader::ReadGuid(GuidBytes& value)
+int CBinaryReader::ReadGuid(_Guid& value, GuidByteOrder layout)
 {
-    GuidBytes read{};
-    const int result = ReadExact(read.bytes, 16);
+    uint8_t bytes[16];
+    const int result = ReadExact(bytes, 16);
     if (result < 0)
         return result;
-    value = read;
+    value = _Guid::FromBytes(bytes, layout);
     return 0;
 }
 

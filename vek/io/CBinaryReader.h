@@ -10,6 +10,7 @@
 //
 // Integers follow the reader's byte order; four-character codes are always
 // big-endian (first character in the high byte), as Four() builds them.
+#include <vek/core/Guid.h>
 #include <vek/core/RObject.h>
 #include <vek/io/ByteOrder.h>
 #include <vek/io/CStream.h>
@@ -41,7 +42,9 @@ public:
     int ReadInt(int byteCount, int64_t& value);
 
     int ReadFourCC(uint32_t& value);
-    int ReadGuid(GuidBytes& value);
+    // 16 bytes laid out in `layout` (Windows for Microsoft formats such as
+    // Wave64, BigEndian for MXF labels); independent of the reader's order.
+    int ReadGuid(_Guid& value, GuidByteOrder layout = GuidByteOrder::Windows);
     int ReadFloat(float& value);
     int ReadDouble(double& value);
     // An IEEE 754 80-bit extended value (AIFF sample rates), as a double.

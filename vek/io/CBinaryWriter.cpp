@@ -62,9 +62,11 @@ int CBinaryWriter::WriteFourCC(uint32_t value)
     return WriteBytes(bytes, 4);
 }
 
-int CBinaryWriter::WriteGuid(const GuidBytes& value)
+int CBinaryWriter::WriteGuid(const _Guid& value, GuidByteOrder layout)
 {
-    return WriteBytes(value.bytes, 16);
+    uint8_t bytes[16];
+    value.ToBytes(bytes, layout);
+    return WriteBytes(bytes, 16);
 }
 
 int CBinaryWriter::WriteFloat(float value)

@@ -6,6 +6,7 @@
 //
 // Integers follow the writer's byte order; four-character codes are always
 // written big-endian.
+#include <vek/core/Guid.h>
 #include <vek/core/RObject.h>
 #include <vek/io/ByteOrder.h>
 #include <vek/io/CStream.h>
@@ -35,7 +36,8 @@ public:
     int WriteUInt(int byteCount, uint64_t value);
 
     int WriteFourCC(uint32_t value);
-    int WriteGuid(const GuidBytes& value);
+    // 16 bytes laid out in `layout`, independent of the writer's order.
+    int WriteGuid(const _Guid& value, GuidByteOrder layout = GuidByteOrder::Windows);
     int WriteFloat(float value);
     int WriteDouble(double value);
     // An IEEE 754 80-bit extended value (AIFF sample rates).

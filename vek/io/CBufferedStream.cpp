@@ -1,6 +1,7 @@
 #include <vek/io/CBufferedStream.h>
 
 #include <vek/core/CByteArray.h>
+#include <vek/core/CList.h>
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 
@@ -41,8 +42,12 @@ CBufferedStream::CBufferedStream(CStream* inner, int32_t blockSize, int32_t bloc
     m_length = inner ? std::max<int64_t>(inner->GetLength(), 0) : 0;
     if (blockSize <= 0 || blockCount <= 0)
         return;
+    m_blocks = CList<CCacheBlock>::Create();
+    if (!m_blocks) {
+        Log(LogLevel::Error, "CBufferedStream::CBufferedStream: RESULT_OUT_OF_MEMORY\n");
+        return;
+    }
     m_blockSize = blockSize;
-    m_blocks.reserve(size_t(blockCount));
     for (int32_t i = 0; i < blockCount; ++i) {
         RObject<CCacheBlock> block(new (std::nothrow) CCacheBlock(blockSize));
         if (!block || !block->IsUsable()) {
@@ -51,16 +56,28 @@ CBufferedStream::CBufferedStream(CStream* inner, int32_t blockSize, int32_t bloc
                 i, blockCount);
             break;
         }
-        m_blocks.push_back(std::move(block));
+        if (m_blocks->Add(block) < 0)
+            break;
     }
-    if (m_blocks.empty())
+    if (GetBlockCount() == 0)
         m_blockSize = 0;
 }
 
 CBufferedStream::~CBufferedStream()
 {
+    // Keep written bytes, but leave committing to disk to an explicit Flush.
     if (m_inner && m_inner->CanWrite())
-        Flush();
+        WriteBackAll();
+}
+
+int32_t CBufferedStream::GetBlockCount() const
+{
+    return m_blocks ? m_blocks->GetCount() : 0;
+}
+
+CBufferedStream::CCacheBlock* CBufferedStream::BlockAt(int32_t index) const
+{
+    return m_blocks->Get(index);
 }
 
 int CBufferedStream::Control(uint32_t code, int32_t size, unsigned char* data)
@@ -119,8 +136,9 @@ int CBufferedStream::SeekInner(int64_t position)
 
 CBufferedStream::CCacheBlock* CBufferedStream::PickVictim()
 {
-    CCacheBlock* victim = m_blocks.front();
-    for (const RObject<CCacheBlock>& block : m_blocks) {
+    CCacheBlock* victim = BlockAt(0);
+    for (int32_t i = 0; i < GetBlockCount(); ++i) {
+        CCacheBlock* block = BlockAt(i);
         if (block->start < 0)
             return block;
         if (block->lastUse < victim->lastUse)
@@ -137,16 +155,16 @@ int CBufferedStream::FindBlock(int64_t position, bool load, CCacheBlock*& block,
 {
     const int64_t start = position / m_blockSize * m_blockSize;
     fresh = false;
-    CCacheBlock* last = m_blocks[m_lastHit];
+    CCacheBlock* last = BlockAt(m_lastHit);
     if (last->start == start) {
         block = last;
         block->lastUse = ++m_clock;
         return 0;
     }
-    for (size_t i = 0; i < m_blocks.size(); ++i) {
-        if (m_blocks[i]->start == start) {
+    for (int32_t i = 0; i < GetBlockCount(); ++i) {
+        if (BlockAt(i)->start == start) {
             m_lastHit = i;
-            block = m_blocks[i];
+            block = BlockAt(i);
             block->lastUse = ++m_clock;
             return 0;
         }
@@ -167,8 +185,8 @@ int CBufferedStream::FindBlock(int64_t position, bool load, CCacheBlock*& block,
         victim->valid = 0;
         victim->dirty = false;
     }
-    for (size_t i = 0; i < m_blocks.size(); ++i)
-        if (m_blocks[i].Get() == victim)
+    for (int32_t i = 0; i < GetBlockCount(); ++i)
+        if (BlockAt(i) == victim)
             m_lastHit = i;
     victim->lastUse = ++m_clock;
     block = victim;
@@ -206,6 +224,27 @@ int CBufferedStream::LoadBlock(CCacheBlock& block, int64_t start)
     return 0;
 }
 
+// Reads what the inner stream now holds after the block's valid bytes;
+// those bytes were never written through the cache, so a dirty block
+// stays coherent without a write-back.
+int CBufferedStream::TopUp(CCacheBlock& block)
+{
+    if (!m_inner->CanSeek())
+        return RESULT_BAD_ORDER_ERROR;
+    int result = SeekInner(block.End());
+    if (result < 0)
+        return result;
+    while (block.valid < m_blockSize) {
+        result = m_inner->Read(block.bytes + block.valid, m_blockSize - block.valid);
+        if (result < 0)
+            return result;
+        if (result == 0)
+            break;
+        block.valid += result;
+    }
+    return 0;
+}
+
 int CBufferedStream::WriteBack(CCacheBlock& block)
 {
     if (!m_inner->CanSeek())
@@ -231,7 +270,8 @@ int CBufferedStream::WriteBack(CCacheBlock& block)
 
 int CBufferedStream::WriteBackOverlapping(int64_t start, int64_t end)
 {
-    for (const RObject<CCacheBlock>& block : m_blocks) {
+    for (int32_t i = 0; i < GetBlockCount(); ++i) {
+        CCacheBlock* block = BlockAt(i);
         if (block->dirty && block->start < end && block->End() > start) {
             const int result = WriteBack(*block);
             if (result < 0)
@@ -246,7 +286,8 @@ void CBufferedStream::ExtendLength(int64_t length)
 {
     if (length <= m_length)
         return;
-    for (const RObject<CCacheBlock>& block : m_blocks) {
+    for (int32_t i = 0; i < GetBlockCount(); ++i) {
+        CCacheBlock* block = BlockAt(i);
         if (block->start < 0 || block->start >= length)
             continue;
         const int64_t wanted = std::min<int64_t>(m_blockSize, length - block->start);
@@ -273,11 +314,12 @@ int CBufferedStream::Read(unsigned char* buffer, int32_t count)
     }
     if (!buffer)
         return RESULT_ARGUMENT_NULL;
-    const int got = m_blocks.empty() ? PassThroughRead(buffer, count) : ReadCached(buffer, count);
+    const int got = GetBlockCount() == 0 ? PassThroughRead(buffer, count) : ReadCached(buffer, count);
     if (got < 0)
         return got;
     m_position += got;
-    if (m_position > m_length)
+    // Bytes past the length were found: the inner stream has grown.
+    if (got > 0 && m_position > m_length)
         m_length = m_position;
     return got;
 }
@@ -306,7 +348,7 @@ int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
         int64_t offset = position - block->start;
         if (offset >= block->valid && !fresh) {
             // Past what the block knows: the inner stream may have grown.
-            if ((result = WriteBack(*block)) < 0 || (result = LoadBlock(*block, block->start)) < 0)
+            if ((result = TopUp(*block)) < 0)
                 return result;
         }
         if (offset >= block->valid)
@@ -359,7 +401,7 @@ int CBufferedStream::Write(const unsigned char* buffer, int32_t count)
         return 0;
     if (!buffer)
         return RESULT_ARGUMENT_NULL;
-    const int put = m_blocks.empty() ? PassThroughWrite(buffer, count) : WriteCached(buffer, count);
+    const int put = GetBlockCount() == 0 ? PassThroughWrite(buffer, count) : WriteCached(buffer, count);
     if (put < 0)
         return put;
     m_position += put;
@@ -406,12 +448,20 @@ int CBufferedStream::Flush()
         return RESULT_BAD_ORDER_ERROR;
     if (!m_inner->CanWrite())
         return 0;
-    for (size_t i = m_blocks.size(); i-- > 0;) {
-        const int result = WriteBack(*m_blocks[i]);
+    const int result = WriteBackAll();
+    if (result < 0)
+        return result;
+    return m_inner->Flush();
+}
+
+int CBufferedStream::WriteBackAll()
+{
+    for (int32_t i = GetBlockCount(); i-- > 0;) {
+        const int result = WriteBack(*BlockAt(i));
         if (result < 0)
             return result;
     }
-    return m_inner->Flush();
+    return 0;
 }
 
 void CBufferedStream::Close()
@@ -421,7 +471,7 @@ void CBufferedStream::Close()
     Flush();
     m_inner->Close();
     m_inner.SafeRelease();
-    m_blocks.clear();
+    m_blocks.SafeRelease();
     m_blockSize = 0;
     m_lastHit = 0;
 }

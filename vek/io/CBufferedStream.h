@@ -15,12 +15,13 @@
 //
 // Bytes between the inner stream's end and the buffered length (a gap
 // left by a write beyond the end that is not written back yet) read as 0.
-#include <vector>
-
 #include <vek/core/RObject.h>
 #include <vek/io/CStream.h>
 
 namespace Quorvex::Vek {
+
+template <typename T>
+class CList;
 
 class VEK_API CBufferedStream : public CStream {
 public:
@@ -60,13 +61,13 @@ public:
     void Close() override;
 
     int32_t GetBlockSize() const { return m_blockSize; }
-    int32_t GetBlockCount() const { return int32_t(m_blocks.size()); }
+    int32_t GetBlockCount() const;
     CStream* GetInner() const { return m_inner; }
 
     class CCacheBlock;
 
 protected:
-    // Writes dirty blocks back (without closing the inner stream).
+    // Writes dirty blocks back; neither flushes nor closes the inner stream.
     ~CBufferedStream() override;
 
 private:
@@ -78,9 +79,13 @@ private:
 
     int FindBlock(int64_t position, bool load, CCacheBlock*& block, bool& fresh);
     CCacheBlock* PickVictim();
+    CCacheBlock* BlockAt(int32_t index) const;
     int LoadBlock(CCacheBlock& block, int64_t start);
+    int TopUp(CCacheBlock& block);
     int WriteBack(CCacheBlock& block);
     int WriteBackOverlapping(int64_t start, int64_t end);
+    // Every block from the last to the first, stopping at the first failure.
+    int WriteBackAll();
     void ExtendLength(int64_t length);
     int SeekInner(int64_t position);
 
@@ -88,9 +93,10 @@ private:
     int64_t m_position = 0;
     int64_t m_length = 0;
     int32_t m_blockSize = 0;
-    std::vector<RObject<CCacheBlock>> m_blocks;
+    // In creation order; write-back on Flush runs from last to first.
+    RObject<CList<CCacheBlock>> m_blocks;
     uint64_t m_clock = 0;
-    size_t m_lastHit = 0;
+    int32_t m_lastHit = 0;
 };
 
 } // namespace Quorvex::Vek

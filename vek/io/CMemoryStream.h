@@ -42,7 +42,8 @@ public:
     int SetLength(int64_t length) override;
     int64_t GetPosition() override { return m_position; }
 
-    // -19010 without a buffer; reading at or past the end returns 0.
+    // -19010 without a buffer; reading at or past the end returns 0. Both
+    // reads advance the position by the count they return.
     int Read(CByteArray* buffer) override;
     int Read(unsigned char* buffer, int32_t count) override;
     int32_t ReadByte() override;

@@ -24,6 +24,11 @@ int FileDescriptorStream::Open(CString* path, FileStream::FileMode mode, Stream&
     return 0;
 }
 
+int FileDescriptorStream::Open(String path, FileStream::FileMode mode, Stream& result)
+{
+    return Open(path.ToObject(), mode, result);
+}
+
 int FileDescriptorStream::Open(const char* path, FileStream::FileMode mode, Stream& result)
 {
     if (!path)

@@ -23,7 +23,7 @@ public:
 
     FileStream() = default;
     // Adopts the caller's reference.
-    FileStream(CFileStream* stream) : Stream(stream) {}
+    FileStream(CFileStream* stream) : BaseObject(stream), Stream(stream) {}
     static FileStream FromObject(CFileStream* stream);
 
     CFileStream* ToFileStream() const { return static_cast<CFileStream*>(m_object); }

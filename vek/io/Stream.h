@@ -13,8 +13,9 @@ public:
     using SeekOrigin = CStream::SeekOrigin;
 
     Stream() = default;
-    // Adopts the caller's reference.
-    Stream(CStream* stream) : Object<CStream>(stream) {}
+    // Adopts the caller's reference. BaseObject is a virtual base, so every
+    // wrapper constructor initialises it itself.
+    Stream(CStream* stream) : BaseObject(stream), Object<CStream>(stream) {}
     static Stream FromObject(CStream* stream);
 
     int Control(uint32_t code, int32_t size, unsigned char* data) const;

@@ -47,7 +47,7 @@ std::vector<wchar_t> Widen(const char* utf8)
     const int units = MultiByteToWideChar(CP_UTF8, 0, utf8, -1, nullptr, 0);
     if (units <= 0)
         return {};
-    std::vector<wchar_t> wide(size_t(units));
+    std::vector<wchar_t> wide(static_cast<size_t>(units));
     MultiByteToWideChar(CP_UTF8, 0, utf8, -1, wide.data(), units);
     return wide;
 }

@@ -1,0 +1,264 @@
+#include <vek/core/Result.h>
+#include <vek/io/BufferedStream.h>
+#include <vek/io/CBufferedStream.h>
+#include <vek/io/CMemoryStream.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace Quorvex::Vek;
+
+namespace {
+
+// A memory stream that records what the cache asks of it and can be told
+// to fail writes or to refuse reading.
+class CRecordingStream : public CMemoryStream {
+public:
+    using CMemoryStream::Read;
+    using CMemoryStream::Write;
+
+    int Read(unsigned char* buffer, int32_t count) override
+    {
+        ++reads;
+        return CMemoryStream::Read(buffer, count);
+    }
+    int Write(const unsigned char* buffer, int32_t count) override
+    {
+        if (failWrites)
+            return RESULT_IO_ERROR;
+        events.push_back("write@" + std::to_string(GetPosition()) + "+" + std::to_string(count));
+        return CMemoryStream::Write(buffer, count);
+    }
+    bool CanRead() override { return readable; }
+    int Flush() override
+    {
+        events.push_back("flush");
+        return 0;
+    }
+    void Close() override { events.push_back("close"); }
+
+    std::vector<std::string> events;
+    int reads = 0;
+    bool failWrites = false;
+    bool readable = true;
+};
+
+std::vector<unsigned char> Content(CMemoryStream* stream)
+{
+    return std::vector<unsigned char>(stream->GetData(), stream->GetData() + stream->GetLength());
+}
+
+} // namespace
+
+// The cache must be invisible: the same random script run against a plain
+// memory stream and against a cache over another memory stream gives the
+// same answers and, after Flush, the same bytes.
+TEST(BufferedStream, BehavesLikeAnUnbufferedTwin)
+{
+    struct Shape {
+        int32_t blockSize;
+        int32_t blockCount;
+    };
+    const Shape shapes[] = {{1, 1}, {3, 2}, {16, 1}, {16, 4}, {64, 3}, {4096, 2}, {0, 0}, {7, 0}};
+    std::mt19937 random(20261122);
+    for (const Shape& shape : shapes) {
+        for (int script = 0; script < 20; ++script) {
+            std::vector<unsigned char> initial(random() % 300);
+            for (unsigned char& byte : initial)
+                byte = uint8_t(random());
+            RObject<CMemoryStream> twin(new CMemoryStream());
+            twin->Write(initial.data(), int32_t(initial.size()));
+            twin->Seek(0, CStream::Begin);
+            RObject<CMemoryStream> inner(new CMemoryStream());
+            inner->Write(initial.data(), int32_t(initial.size()));
+            RObject<CBufferedStream> cache(
+                new CBufferedStream(inner, shape.blockSize, shape.blockCount));
+
+            for (int step = 0; step < 200; ++step) {
+                const std::string where = "shape " + std::to_string(shape.blockSize) + "x" +
+                                          std::to_string(shape.blockCount) + " script " +
+                                          std::to_string(script) + " step " + std::to_string(step);
+                const int32_t size = int32_t(1 + random() % (random() % 4 == 0 ? 700 : 40));
+                switch (random() % 5) {
+                case 0:
+                case 1: {
+                    std::vector<unsigned char> a(size_t(size), 0xEE), b(size_t(size), 0xEE);
+                    ASSERT_EQ(cache->Read(a.data(), size), twin->Read(b.data(), size)) << where;
+                    ASSERT_EQ(a, b) << where;
+                    break;
+                }
+                case 2: {
+                    std::vector<unsigned char> data(static_cast<size_t>(size));
+                    for (unsigned char& byte : data)
+                        byte = uint8_t(random());
+                    ASSERT_EQ(cache->Write(data.data(), size), twin->Write(data.data(), size))
+                        << where;
+                    break;
+                }
+                case 3: {
+                    const int origin = int(random() % 3);
+                    const int64_t offset = int64_t(random() % 500) - (origin == 0 ? 20 : 250);
+                    int64_t p1 = -1, p2 = -1;
+                    ASSERT_EQ(cache->Seek(offset, CStream::SeekOrigin(origin), &p1),
+                              twin->Seek(offset, CStream::SeekOrigin(origin), &p2))
+                        << where;
+                    ASSERT_EQ(p1, p2) << where;
+                    break;
+                }
+                case 4:
+                    ASSERT_EQ(cache->Flush(), 0) << where;
+                    break;
+                }
+                ASSERT_EQ(cache->GetPosition(), twin->GetPosition()) << where;
+                ASSERT_EQ(cache->GetLength(), twin->GetLength()) << where;
+            }
+            ASSERT_EQ(cache->Flush(), 0);
+            EXPECT_EQ(Content(inner), Content(twin));
+        }
+    }
+}
+
+TEST(BufferedStream, FlushWritesBackFromLastBlockToFirst)
+{
+    RObject<CRecordingStream> inner(new CRecordingStream());
+    RObject<CBufferedStream> cache(new CBufferedStream(inner, 8, 3));
+    std::vector<unsigned char> data(24, 1);
+    ASSERT_EQ(cache->Write(data.data(), 24), 24);
+    EXPECT_TRUE(inner->events.empty()) << "nothing reaches the inner stream before Flush";
+    ASSERT_EQ(cache->Flush(), 0);
+    const std::vector<std::string> expected = {"write@16+8", "write@8+8", "write@0+8", "flush"};
+    EXPECT_EQ(inner->events, expected);
+    inner->events.clear();
+    ASSERT_EQ(cache->Flush(), 0);
+    EXPECT_EQ(inner->events, std::vector<std::string>{"flush"}) << "clean blocks are skipped";
+}
+
+TEST(BufferedStream, CloseFlushesThenClosesThenLetsGo)
+{
+    RObject<CRecordingStream> inner(new CRecordingStream());
+    RObject<CBufferedStream> cache(new CBufferedStream(inner, 8, 2));
+    const unsigned char byte = 9;
+    ASSERT_EQ(cache->Write(&byte, 1), 1);
+    cache->Close();
+    const std::vector<std::string> expected = {"write@0+1", "flush", "close"};
+    EXPECT_EQ(inner->events, expected);
+    EXPECT_EQ(inner->GetReferenceCount(), 1) << "the inner stream is released";
+    EXPECT_EQ(cache->Read(const_cast<unsigned char*>(&byte), 1), RESULT_BAD_ORDER_ERROR);
+    EXPECT_EQ(cache->Flush(), RESULT_BAD_ORDER_ERROR);
+}
+
+TEST(BufferedStream, DirtyVictimIsWrittenBackBeforeReuse)
+{
+    RObject<CRecordingStream> inner(new CRecordingStream());
+    RObject<CBufferedStream> cache(new CBufferedStream(inner, 4, 2));
+    const unsigned char bytes[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    ASSERT_EQ(cache->Write(bytes, 8), 8);
+    EXPECT_TRUE(inner->events.empty());
+    // A third block evicts the least recently used one, block 0.
+    ASSERT_EQ(cache->Write(bytes + 8, 4), 4);
+    EXPECT_EQ(inner->events, std::vector<std::string>{"write@0+4"});
+
+    // A victim that cannot be written back keeps its data; the write fails
+    // and moves nothing.
+    inner->failWrites = true;
+    ASSERT_EQ(cache->Seek(0, CStream::Begin), 0);
+    unsigned char out[2] = {};
+    EXPECT_EQ(cache->Read(out, 2), RESULT_IO_ERROR);
+    EXPECT_EQ(cache->GetPosition(), 0);
+    inner->failWrites = false;
+    EXPECT_EQ(cache->Flush(), 0);
+    EXPECT_EQ(Content(inner), std::vector<unsigned char>(bytes, bytes + 12));
+}
+
+TEST(BufferedStream, LargeReadsSeeDirtyBlocks)
+{
+    RObject<CRecordingStream> inner(new CRecordingStream());
+    std::vector<unsigned char> zeros(4096, 0);
+    inner->Write(zeros.data(), 4096);
+    RObject<CBufferedStream> cache(new CBufferedStream(inner, 256, 4));
+    const unsigned char marks[3] = {0xA1, 0xB2, 0xC3};
+    ASSERT_EQ(cache->Seek(1000, CStream::Begin), 0);
+    ASSERT_EQ(cache->Write(marks, 3), 3);
+    ASSERT_EQ(cache->Seek(0, CStream::Begin), 0);
+    std::vector<unsigned char> out(4096);
+    const int readsBefore = inner->reads;
+    ASSERT_EQ(cache->Read(out.data(), 4096), 4096);
+    EXPECT_LE(inner->reads - readsBefore, 3) << "a large read goes to the inner stream whole";
+    EXPECT_EQ(out[1000], 0xA1);
+    EXPECT_EQ(out[1002], 0xC3);
+    EXPECT_EQ(out[999], 0);
+}
+
+TEST(BufferedStream, WriteBeyondTheEndLeavesAZeroGap)
+{
+    RObject<CRecordingStream> inner(new CRecordingStream());
+    const unsigned char head[5] = {1, 2, 3, 4, 5};
+    inner->CMemoryStream::Write(head, 5);
+    RObject<CBufferedStream> cache(new CBufferedStream(inner, 8, 8));
+    unsigned char out[40] = {};
+    ASSERT_EQ(cache->Read(out, 2), 2);
+    ASSERT_EQ(cache->Seek(30, CStream::Begin), 0);
+    ASSERT_EQ(cache->Write(head, 5), 5);
+    EXPECT_EQ(cache->GetLength(), 35);
+    ASSERT_EQ(cache->Seek(0, CStream::Begin), 0);
+    // Small reads come from the cache, before anything is written back.
+    int32_t got = 0;
+    for (int result; (result = cache->Read(out + got, 4)) > 0;)
+        got += result;
+    EXPECT_EQ(got, 35);
+    EXPECT_TRUE(inner->events.empty());
+    EXPECT_EQ(out[4], 5);
+    EXPECT_EQ(out[5], 0);
+    EXPECT_EQ(out[29], 0);
+    EXPECT_EQ(out[34], 5);
+    // One large read writes the dirty blocks back and sees the same bytes.
+    unsigned char again[40] = {};
+    ASSERT_EQ(cache->Seek(0, CStream::Begin), 0);
+    ASSERT_EQ(cache->Read(again, 40), 35);
+    EXPECT_FALSE(inner->events.empty());
+    EXPECT_EQ(std::memcmp(out, again, 40), 0);
+}
+
+TEST(BufferedStream, RefusalsAndLengthRules)
+{
+    RObject<CRecordingStream> inner(new CRecordingStream());
+    const unsigned char bytes[4] = {1, 2, 3, 4};
+    inner->Write(bytes, 4);
+    RObject<CBufferedStream> cache(new CBufferedStream(inner, 16, 2));
+    EXPECT_TRUE(cache->IsType(CBufferedStream::Type));
+    EXPECT_EQ(cache->GetLength(), 4);
+    unsigned char out[4];
+    EXPECT_EQ(cache->Seek(-1, CStream::Begin), RESULT_ARGUMENT_OUT_OF_RANGE);
+    ASSERT_EQ(cache->Seek(10, CStream::Begin), 0);
+    EXPECT_EQ(cache->Read(out, 4), 0);
+    EXPECT_EQ(cache->GetLength(), 4);
+    EXPECT_EQ(cache->Read(out, 0), 0);
+    EXPECT_EQ(cache->GetLength(), 10) << "a count of 0 raises the length to the position";
+    inner->readable = false;
+    EXPECT_EQ(cache->Read(out, 1), RESULT_BAD_ORDER_ERROR);
+
+    RObject<CBufferedStream> orphan(new CBufferedStream(nullptr, 16, 2));
+    EXPECT_EQ(orphan->GetLength(), 0);
+    EXPECT_EQ(orphan->Read(out, 1), RESULT_BAD_ORDER_ERROR);
+    EXPECT_EQ(orphan->Write(bytes, 1), RESULT_BAD_ORDER_ERROR);
+    EXPECT_EQ(orphan->Flush(), RESULT_BAD_ORDER_ERROR);
+}
+
+TEST(BufferedStream, PublicCreateSharesTheInnerStream)
+{
+    Stream inner(new CMemoryStream());
+    {
+        BufferedStream cache = BufferedStream::Create(inner, 64, 16);
+        ASSERT_FALSE(cache.IsNull());
+        EXPECT_EQ(cache.ToBufferedStream()->GetBlockCount(), 16);
+        EXPECT_EQ(inner.ToObject()->GetReferenceCount(), 2);
+        const unsigned char byte = 3;
+        EXPECT_EQ(cache.Write(&byte, 1), 1);
+    }
+    EXPECT_EQ(inner.ToObject()->GetReferenceCount(), 1);
+    EXPECT_EQ(inner.GetLength(), 1) << "dirty blocks are written back when the cache goes away";
+}

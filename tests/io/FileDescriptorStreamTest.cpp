@@ -1,0 +1,365 @@
+#include <vek/core/CString.h>
+#include <vek/core/RObject.h>
+#include <vek/core/String.h>
+#include <vek/core/Result.h>
+#include <vek/io/CFileDescriptorStream.h>
+#include <vek/io/CMemoryStream.h>
+#include <vek/io/FileDescriptorStream.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include "LogCapture.h"
+#include "support/TestSupport.h"
+
+using namespace Quorvex::Vek;
+using VekTest::LogCapture;
+using VekTest::TempDir;
+using Mode = FileStream::FileMode;
+
+namespace {
+
+RObject<CFileDescriptorStream> OpenFile(const std::string& path, Mode mode, int& result)
+{
+    RObject<CFileDescriptorStream> stream(new CFileDescriptorStream(mode));
+    result = stream->Open(path.c_str());
+    return stream;
+}
+
+std::string Pattern(size_t size)
+{
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; ++i)
+        bytes[i] = char(i * 7 + 3);
+    return bytes;
+}
+
+} // namespace
+
+TEST(FileDescriptorStream, ModesAnswerTheirCapabilities)
+{
+    struct Case {
+        Mode mode;
+        bool canRead;
+        bool canWrite;
+        bool keepsContent;
+    };
+    const Case cases[] = {
+        {Mode::Read, true, false, true},
+        {Mode::Write, false, true, false},
+        {Mode::ReadWrite, true, true, false},
+        {Mode::Append, false, true, true},
+        {Mode::AppendReadWrite, false, false, true}, // deliberately false/false
+    };
+    TempDir dir;
+    for (const Case& c : cases) {
+        const std::string path = dir.File("mode" + std::to_string(int(c.mode)));
+        ASSERT_TRUE(VekTest::WriteFile(path, "abcdef"));
+        int result = 0;
+        RObject<CFileDescriptorStream> stream = OpenFile(path, c.mode, result);
+        ASSERT_EQ(result, 0) << int(c.mode);
+        EXPECT_EQ(stream->CanRead(), c.canRead) << int(c.mode);
+        EXPECT_EQ(stream->CanWrite(), c.canWrite) << int(c.mode);
+        EXPECT_TRUE(stream->CanSeek());
+        EXPECT_EQ(stream->GetLength(), c.keepsContent ? 6 : 0) << int(c.mode);
+        EXPECT_EQ(stream->GetPosition(), 0);
+    }
+    int result = 0;
+    OpenFile(dir.File("x"), Mode(7), result);
+    EXPECT_EQ(result, RESULT_NOT_SUPPORTED);
+    EXPECT_FALSE(std::filesystem::exists(dir.File("x")));
+}
+
+TEST(FileDescriptorStream, AppendReadWriteStillReadsAndWrites)
+{
+    TempDir dir;
+    const std::string path = dir.File("append");
+    ASSERT_TRUE(VekTest::WriteFile(path, "abc"));
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::AppendReadWrite, result);
+    ASSERT_EQ(result, 0);
+    unsigned char out[3] = {};
+    EXPECT_EQ(stream->Read(out, 3), 3);
+    EXPECT_EQ(out[2], 'c');
+    EXPECT_EQ(stream->Write(reinterpret_cast<const unsigned char*>("de"), 2), 2);
+    EXPECT_EQ(stream->GetLength(), 5);
+    stream->Close();
+    EXPECT_EQ(VekTest::ReadFile(path), "abcde");
+}
+
+TEST(FileDescriptorStream, WriteReadSeekRoundTrip)
+{
+    TempDir dir;
+    const std::string path = dir.File("data");
+    const std::string bytes = Pattern(10000);
+    Stream handle;
+    ASSERT_EQ(FileDescriptorStream::Open(path.c_str(), Mode::ReadWrite, handle), 0);
+    EXPECT_EQ(handle.Write(reinterpret_cast<const unsigned char*>(bytes.data()), 10000), 10000);
+    EXPECT_EQ(handle.GetLength(), 10000);
+    int64_t position = -1;
+    EXPECT_EQ(handle.Seek(-100, CStream::End, &position), 0);
+    EXPECT_EQ(position, 9900);
+    unsigned char out[200] = {};
+    EXPECT_EQ(handle.Read(out, 200), 100);
+    EXPECT_EQ(std::memcmp(out, bytes.data() + 9900, 100), 0);
+    EXPECT_EQ(handle.Read(out, 200), 0);
+    // A failed seek leaves the position alone.
+    EXPECT_EQ(handle.Seek(-1, CStream::Begin), RESULT_IO_ERROR);
+    EXPECT_EQ(handle.Seek(0, CStream::SeekOrigin(9)), RESULT_IO_ERROR);
+    EXPECT_EQ(handle.GetPosition(), 10000);
+    EXPECT_EQ(handle.Flush(), 0);
+    handle.Close();
+    EXPECT_EQ(handle.GetPosition(), -1);
+    EXPECT_EQ(handle.Read(out, 1), RESULT_IO_ERROR);
+    EXPECT_EQ(VekTest::ReadFile(path), bytes);
+
+    Stream reopened;
+    ASSERT_EQ(FileDescriptorStream::Open(String::Create(path.c_str()), Mode::Read, reopened), 0);
+    EXPECT_EQ(reopened.GetLength(), 10000);
+    EXPECT_EQ(reopened.Write(out, 1), RESULT_IO_ERROR) << "a read-only descriptor";
+    EXPECT_EQ(reopened.GetLength(), 10000);
+}
+
+TEST(FileDescriptorStream, PathsAreUnicode)
+{
+    TempDir dir;
+    // "Grüße-音.wav" spelled in UTF-8 bytes, and the same name as UTF-16.
+    const std::string name = "Gr\xC3\xBC\xC3\x9F" "e-\xE9\x9F\xB3.wav";
+    // Joined by hand: the test support's path helpers go through the
+    // Windows ANSI code page, not UTF-8.
+    const std::string path = dir.Path() + "/" + name;
+    Stream written;
+    ASSERT_EQ(FileDescriptorStream::Open(path.c_str(), Mode::Write, written), 0);
+    const unsigned char bytes[3] = {1, 2, 3};
+    ASSERT_EQ(written.Write(bytes, 3), 3);
+    written.Close();
+
+    namespace fs = std::filesystem;
+    const fs::path expected = fs::path(dir.Path()) / fs::path(std::u8string(
+        reinterpret_cast<const char8_t*>(name.data()), name.size()));
+    ASSERT_TRUE(fs::exists(expected));
+    EXPECT_EQ(fs::file_size(expected), 3u);
+
+    std::u16string wide = std::filesystem::path(dir.Path()).u16string();
+    wide += u"/Gr\u00FC\u00DFe-\u97F3.wav";
+    Stream read;
+    ASSERT_EQ(FileDescriptorStream::Open(
+                  String::Create(reinterpret_cast<const WChar*>(wide.c_str())), Mode::Read, read),
+              0);
+    EXPECT_EQ(read.GetLength(), 3);
+}
+
+TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
+{
+    TempDir dir;
+    LogCapture log(1);
+    const std::string longName = dir.File(std::string(300, 'n'));
+    struct Case {
+        std::string path;
+        Mode mode;
+        int result;
+        const char* line;
+    };
+    const Case cases[] = {
+        {dir.File("missing/file"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
+         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        {dir.File("absent"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
+         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        {dir.Path(), Mode::Read, RESULT_PATH_IS_DIRECTORY,
+         "CFileDescriptorStream::Open: RESULT_PATH_IS_DIRECTORY\n"},
+        {dir.Path(), Mode::ReadWrite, RESULT_PATH_IS_DIRECTORY,
+         "CFileDescriptorStream::Open: RESULT_PATH_IS_DIRECTORY\n"},
+    };
+    const Stream earlier(new CMemoryStream());
+    for (const Case& c : cases) {
+        Stream handle = earlier;
+        EXPECT_EQ(FileDescriptorStream::Open(c.path.c_str(), c.mode, handle), c.result) << c.path;
+        EXPECT_EQ(handle.ToObject(), earlier.ToObject()) << "the result stays untouched on failure";
+        if (LogCapture::Available()) {
+            EXPECT_NE(log.Text().find(c.line), std::string::npos) << c.line;
+        }
+    }
+    if (!VEK_PLATFORM_WINDOWS) {
+        // Windows has no single-component name limit that the runtime reports
+        // by name; the POSIX limit is 255 bytes.
+        Stream handle;
+        EXPECT_EQ(FileDescriptorStream::Open(longName.c_str(), Mode::Read, handle),
+                  RESULT_PATH_NAME_TOO_LONG);
+        EXPECT_EQ(log.Count("CFileDescriptorStream::Open: RESULT_PATH_NAME_TOO_LONG\n"), 1u);
+    }
+    Stream handle;
+    EXPECT_EQ(FileDescriptorStream::Open(static_cast<CString*>(nullptr), Mode::Read, handle),
+              RESULT_ARGUMENT_NULL);
+}
+
+TEST(FileDescriptorStream, ReadOnlyFileRefusesWriting)
+{
+    TempDir dir;
+    const std::string path = dir.File("locked");
+    ASSERT_TRUE(VekTest::WriteFile(path, "keep"));
+    namespace fs = std::filesystem;
+    fs::permissions(path, fs::perms::owner_read, fs::perm_options::replace);
+    // Run as root (or on a file system without permissions) the bits do not
+    // stop anyone, and the case says nothing.
+    if (std::ofstream(path, std::ios::app))
+        GTEST_SKIP() << "permissions are not enforced for this user";
+    LogCapture log(1);
+    int result = 0;
+    OpenFile(path, Mode::Write, result);
+    EXPECT_EQ(result, RESULT_ACCESS_DENIED);
+    EXPECT_EQ(log.Count("CFileDescriptorStream::Open: RESULT_ACCESS_DENIED\n"),
+              LogCapture::Available() ? 1u : 0u);
+    EXPECT_EQ(VekTest::ReadFile(path), "keep");
+    fs::permissions(path, fs::perms::owner_all, fs::perm_options::replace);
+}
+
+TEST(FileDescriptorStream, DiskFullIsReportedAndChangesNothing)
+{
+    if (VEK_PLATFORM_WINDOWS || !std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "needs /dev/full";
+    LogCapture log(1);
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile("/dev/full", Mode::Write, result);
+    ASSERT_EQ(result, 0);
+    const std::string bytes = Pattern(4096);
+    EXPECT_EQ(stream->Write(reinterpret_cast<const unsigned char*>(bytes.data()), 4096),
+              RESULT_DISK_FULL);
+    EXPECT_EQ(stream->GetLength(), 0);
+    EXPECT_EQ(stream->GetPosition(), 0);
+    EXPECT_EQ(log.Count("CFileDescriptorStream::Write: RESULT_DISK_FULL\n"), 1u);
+}
+
+TEST(FileDescriptorStream, ControlCodes)
+{
+    struct Case {
+        uint32_t code;
+        int32_t size;
+        int32_t value;
+        int result;
+        int32_t waitAfter;
+    };
+    const Case cases[] = {
+        {Four("srto"), 4, 3600001, RESULT_ARGUMENT_OUT_OF_RANGE, 0},
+        {Four("srto"), 4, 3600000, 0, 3600000},
+        {Four("srto"), 2, 5, RESULT_ERROR, 3600000},
+        {Four("srto"), 4, 250, 0, 250},
+        {Four("grto"), 8, 0, RESULT_ERROR, 250},
+        {Four("cach"), 1, 1, 0, 250},
+        {Four("cach"), 4, 1, RESULT_ERROR, 250},
+        {Four("rdah"), 1, 0, 0, 250},
+        {Four("rdah"), 0, 0, RESULT_ERROR, 250},
+        {Four("what"), 4, 0, RESULT_NOT_SUPPORTED, 250},
+    };
+    TempDir dir;
+    const std::string path = dir.File("c");
+    ASSERT_TRUE(VekTest::WriteFile(path, "x"));
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    ASSERT_EQ(result, 0);
+    for (const Case& c : cases) {
+        unsigned char data[8] = {};
+        std::memcpy(data, &c.value, sizeof c.value);
+        EXPECT_EQ(stream->Control(c.code, c.size, data), c.result)
+            << std::hex << c.code << std::dec << " " << c.value;
+        int32_t wait = -1;
+        ASSERT_EQ(stream->Control(Four("grto"), 4, reinterpret_cast<unsigned char*>(&wait)), 0);
+        EXPECT_EQ(wait, c.waitAfter) << std::hex << c.code << std::dec << " " << c.value;
+    }
+}
+
+TEST(FileDescriptorStream, ShortReadWithoutWaitReturnsWhatIsThere)
+{
+    TempDir dir;
+    const std::string path = dir.File("short");
+    ASSERT_TRUE(VekTest::WriteFile(path, Pattern(100)));
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    ASSERT_EQ(result, 0);
+    ASSERT_EQ(stream->Seek(60, CStream::Begin), 0);
+    unsigned char out[100] = {};
+    const auto started = std::chrono::steady_clock::now();
+    EXPECT_EQ(stream->Read(out, 100), 40);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(90));
+    EXPECT_EQ(stream->GetPosition(), 100);
+    EXPECT_EQ(std::memcmp(out, Pattern(100).data() + 60, 40), 0);
+}
+
+TEST(FileDescriptorStream, WaitsForAFileThatDoesNotGrow)
+{
+    TempDir dir;
+    const std::string path = dir.File("still");
+    ASSERT_TRUE(VekTest::WriteFile(path, Pattern(10)));
+    LogCapture log(3);
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    ASSERT_EQ(result, 0);
+    ASSERT_EQ(stream->SetReadWaitTime(1000), 0);
+    unsigned char out[20] = {};
+    const auto started = std::chrono::steady_clock::now();
+    EXPECT_EQ(stream->Read(out, 20), 10);
+    const auto waited = std::chrono::steady_clock::now() - started;
+    EXPECT_GE(waited, std::chrono::milliseconds(1000));
+    EXPECT_LT(waited, std::chrono::milliseconds(3000));
+    EXPECT_EQ(stream->GetPosition(), 10);
+    if (LogCapture::Available()) {
+        EXPECT_EQ(log.Count("CFileDescriptorStream::Read: waiting for "), 1u);
+        EXPECT_EQ(log.Count("CFileDescriptorStream::Read: waiting for 1000 ms at position 10 ...\n"),
+                  1u);
+        EXPECT_EQ(log.Count("file length increased"), 0u);
+    }
+}
+
+TEST(FileDescriptorStream, FollowsAFileGrownByAnotherWriter)
+{
+    TempDir dir;
+    const std::string path = dir.File("growing");
+    const std::string bytes = Pattern(300);
+    ASSERT_TRUE(VekTest::WriteFile(path, bytes.substr(0, 100)));
+    LogCapture log(3);
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    ASSERT_EQ(result, 0);
+    ASSERT_EQ(stream->SetReadWaitTime(2000), 0);
+
+    std::thread writer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        std::ofstream(path, std::ios::binary | std::ios::app) << bytes.substr(100, 100);
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        std::ofstream(path, std::ios::binary | std::ios::app) << bytes.substr(200, 100);
+    });
+    unsigned char out[300] = {};
+    EXPECT_EQ(stream->Read(out, 300), 300);
+    writer.join();
+    EXPECT_EQ(std::memcmp(out, bytes.data(), 300), 0);
+    EXPECT_EQ(stream->GetLength(), 300);
+    EXPECT_EQ(stream->GetPosition(), 300);
+    if (LogCapture::Available()) {
+        EXPECT_GE(log.Count("CFileDescriptorStream::Read: file length increased to "), 1u);
+        EXPECT_EQ(log.Count("CFileDescriptorStream::Read: file length increased to 300\n"), 1u);
+        EXPECT_EQ(log.Count("CFileDescriptorStream::Read: waiting for 2000 ms at position 100 ...\n"),
+                  1u);
+    }
+}
+
+TEST(FileDescriptorStream, AvailableLengthMeasuresNowWithoutMoving)
+{
+    TempDir dir;
+    const std::string path = dir.File("measure");
+    ASSERT_TRUE(VekTest::WriteFile(path, Pattern(50)));
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    ASSERT_EQ(result, 0);
+    ASSERT_EQ(stream->Seek(20, CStream::Begin), 0);
+    std::ofstream(path, std::ios::binary | std::ios::app) << Pattern(30);
+    EXPECT_EQ(stream->GetLength(), 50);
+    EXPECT_EQ(stream->GetAvailableLength(), 80);
+    EXPECT_EQ(stream->GetPosition(), 20);
+}
