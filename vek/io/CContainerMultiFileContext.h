@@ -19,12 +19,16 @@ public:
 
         // Kinds used by the library's readers; any other code may be used
         // between a host and a reader that agree on it.
-        static constexpr unsigned int Unknown = 0;
-        static constexpr unsigned int Video = Four("vide");
-        static constexpr unsigned int Audio = Four("soun");
-        static constexpr unsigned int Subtitle = Four("sbtl");
-        static constexpr unsigned int Metadata = Four("meta");
-        static constexpr unsigned int Index = Four("indx");
+        // (Enumerators, so that a host comparing them by reference needs no
+        // exported object.)
+        enum Kind : unsigned int {
+            Unknown = 0,
+            Video = Four("vide"),
+            Audio = Four("soun"),
+            Subtitle = Four("sbtl"),
+            Metadata = Four("meta"),
+            Index = Four("indx"),
+        };
 
         // Shares `fileName`; null for a null name or when out of memory.
         static CMultiFileCtxInfo* Create(CString* fileName, unsigned int kind);
