@@ -311,16 +311,16 @@ TEST(UriTest, PublicHandleForwardsAndOwns)
     Uri uri = Uri::CreateWithUrl("http://h:8080/a b.mov?x=1");
     ASSERT_FALSE(uri.IsNull());
     EXPECT_EQ(uri.ToObject()->GetReferenceCount(), 1);
-    EXPECT_EQ(std::string(uri.GetAbsoluteUri()->GetChars()), "http://h:8080/a%20b.mov?x=1");
+    EXPECT_EQ(std::string(uri.GetAbsoluteUri().GetChars()), "http://h:8080/a%20b.mov?x=1");
     EXPECT_EQ(uri.GetPort(), 8080);
-    EXPECT_EQ(std::string(uri.GetPathExtension()->GetChars()), "mov");
+    EXPECT_EQ(std::string(uri.GetPathExtension().GetChars()), "mov");
     Uri copy = uri;
     EXPECT_EQ(uri.ToObject()->GetReferenceCount(), 2);
     Uri next = Uri::CreateWithRelativeUrl(copy, "b.mov");
-    EXPECT_EQ(std::string(next.GetAbsoluteUri()->GetChars()), "http://h:8080/b.mov");
+    EXPECT_EQ(std::string(next.GetAbsoluteUri().GetChars()), "http://h:8080/b.mov");
 
     Uri none;
-    EXPECT_FALSE(none.GetScheme());
+    EXPECT_TRUE(none.GetScheme().IsNull());
     EXPECT_EQ(none.GetPort(), 0);
     EXPECT_FALSE(none.IsFile());
     EXPECT_TRUE(Uri::CreateWithUrl(nullptr).IsNull());

@@ -16,13 +16,6 @@ RObject<CString> NewText(const char* text)
     return RObject<CString>(text ? new (std::nothrow) CString(text) : nullptr);
 }
 
-// Hands the caller's reference to the handle through the base, which
-// adopts whatever the handle's own constructors do.
-void Adopt(Stream& handle, CStream* stream)
-{
-    static_cast<BaseObject&>(handle) = static_cast<CObject*>(stream);
-}
-
 } // namespace
 
 ContainerContext ContainerContext::FromObject(CContainerContext* context)
@@ -92,14 +85,14 @@ void ContainerContext::ResetFiles() const
         ToObject()->ResetFiles();
 }
 
-RObject<CString> ContainerContext::GetCurrentFileName() const
+String ContainerContext::GetCurrentFileName() const
 {
-    return RObject<CString>(ToObject() ? ToObject()->GetCurrentFileName() : nullptr);
+    return String(ToObject() ? ToObject()->GetCurrentFileName() : nullptr);
 }
 
-RObject<CString> ContainerContext::GetCurrentFilePath() const
+String ContainerContext::GetCurrentFilePath() const
 {
-    return RObject<CString>(ToObject() ? ToObject()->GetCurrentFilePath() : nullptr);
+    return String(ToObject() ? ToObject()->GetCurrentFilePath() : nullptr);
 }
 
 int ContainerContext::OpenReadStream(const char* name, int32_t bufferSize, int32_t readWaitTime,
@@ -113,7 +106,7 @@ int ContainerContext::OpenReadStream(const char* name, int32_t bufferSize, int32
     CStream* stream = nullptr;
     const int status = ToObject()->OpenStream(settings, NewText(name), stream);
     if (status >= 0)
-        Adopt(result, stream);
+        result = Stream(stream);
     return status;
 }
 
@@ -124,7 +117,7 @@ int ContainerContext::OpenWriteStream(const char* name, Stream& result) const
     CStream* stream = nullptr;
     const int status = ToObject()->OpenStream(CContainerContext::WriterSettings{}, NewText(name), stream);
     if (status >= 0)
-        Adopt(result, stream);
+        result = Stream(stream);
     return status;
 }
 

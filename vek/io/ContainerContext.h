@@ -4,7 +4,7 @@
 // files). Calls forward to the context; on a null handle the int-returning
 // calls answer -19001 (RESULT_NULL_POINTER) and the others null or false.
 #include <vek/core/BaseObject.h>
-#include <vek/core/CString.h>
+#include <vek/core/String.h>
 #include <vek/io/CContainerContext.h>
 #include <vek/io/Stream.h>
 
@@ -31,8 +31,8 @@ public:
     int AddFullFileName(const char* path, unsigned int kind) const;
     bool MoveNextFile() const;
     void ResetFiles() const;
-    RObject<CString> GetCurrentFileName() const;
-    RObject<CString> GetCurrentFilePath() const;
+    String GetCurrentFileName() const;
+    String GetCurrentFilePath() const;
 
     // On success `result` holds the stream (one reference) and 0 comes
     // back; on failure the code, with `result` unchanged.

@@ -19,10 +19,10 @@ Uri Uri::CreateWithRelativeUrl(const Uri& base, const char* relative)
 }
 
 #define VEK_URI_TEXT(Member)                                                                       \
-    RObject<CString> Uri::Member() const                                                           \
+    String Uri::Member() const                                                                     \
     {                                                                                              \
         CUri* uri = ToObject();                                                                    \
-        return RObject<CString>(uri ? uri->Member() : nullptr);                                    \
+        return String(uri ? uri->Member() : nullptr);                                              \
     }
 
 VEK_URI_TEXT(GetScheme)

@@ -1,9 +1,9 @@
 #pragma once
 
 // Public handle on a CUri. Calls forward to the URI; a null handle answers
-// null, 0 or false. Strings come back as owned references.
+// null, 0 or false. Strings come back as String handles (null on failure).
 #include <vek/core/BaseObject.h>
-#include <vek/core/CString.h>
+#include <vek/core/String.h>
 #include <vek/io/CUri.h>
 
 namespace Quorvex::Vek {
@@ -22,19 +22,19 @@ public:
     static Uri CreateWithLocalPath(const char* path);
     static Uri CreateWithRelativeUrl(const Uri& base, const char* relative);
 
-    RObject<CString> GetScheme() const;
-    RObject<CString> GetHost() const;
+    String GetScheme() const;
+    String GetHost() const;
     uint16_t GetPort() const;
-    RObject<CString> GetUserName() const;
-    RObject<CString> GetPassword() const;
-    RObject<CString> GetPath() const;
-    RObject<CString> GetExtraInfo() const;
-    RObject<CString> GetQuery() const;
-    RObject<CString> GetFragment() const;
-    RObject<CString> GetLastPathComponent() const;
-    RObject<CString> GetPathExtension() const;
-    RObject<CString> GetLocalPath() const;
-    RObject<CString> GetAbsoluteUri() const;
+    String GetUserName() const;
+    String GetPassword() const;
+    String GetPath() const;
+    String GetExtraInfo() const;
+    String GetQuery() const;
+    String GetFragment() const;
+    String GetLastPathComponent() const;
+    String GetPathExtension() const;
+    String GetLocalPath() const;
+    String GetAbsoluteUri() const;
     bool IsFile() const;
     bool IsUnc() const;
     bool IsScheme(const char* scheme) const;
