@@ -225,6 +225,10 @@ TEST(UriTest, CombinesRelativeReferences)
         {"http://a.com/b/c/d;p?q#f", "g;x?y#s", "http://a.com/b/c/g;x?y#s"},
         {"http://a.com/b/c/d;p?q#f", "a b.mov", "http://a.com/b/c/a%20b.mov"},
         {"http://a.com/b/c/d;p?q#f", "a%20b.mov", "http://a.com/b/c/a%20b.mov"},
+        // Escaping stops at the query, as when normalising.
+        {"http://h/d/", "a&b c.mov?q r&s#f g", "http://h/d/a%26b%20c.mov?q r&s#f g"},
+        {"http://h/d/", "x^y", "http://h/d/x%5Ey"},
+        {"http://h/d/e?q", "#f g", "http://h/d/e?q#f g"},
         {"http://a.com/b/c/d", "../../x/./y/../z?q#f", "http://a.com/x/z?q#f"},
         {"http://h", "x", "http://h/x"},
         {"ftp://h/a/b", "c", "ftp://h/a/c"},

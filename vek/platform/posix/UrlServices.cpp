@@ -288,6 +288,30 @@ size_t NormaliseFileSlashes(const char* rest, std::string& out)
     return consumed;
 }
 
+// The Windows services escape a combined URL only up to its query or
+// fragment, and escape '&' in the path: redo that on the RFC 3986 result.
+// The extra info written in `relative` comes back as the caller wrote it.
+std::string WindowsEscaping(const std::string& combined, const char* relative)
+{
+    const size_t schemeLength = SchemeLength(combined.c_str());
+    size_t extraStart = combined.find_first_of("?#", schemeLength);
+    const char* relativeExtra = std::strpbrk(relative, "?#");
+    if (relativeExtra && *relativeExtra == '#')
+        extraStart = combined.find('#', schemeLength);
+    if (extraStart == std::string::npos)
+        extraStart = combined.size();
+
+    std::string out;
+    for (size_t i = 0; i < extraStart; ++i) {
+        if (combined[i] == '&')
+            out += "%26";
+        else
+            out += combined[i];
+    }
+    out += relativeExtra ? std::string(relativeExtra) : combined.substr(extraStart);
+    return out;
+}
+
 } // namespace
 
 bool CrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts)
@@ -341,9 +365,11 @@ bool CombineUrl(const char* base, const char* relative, char* out)
         uriFreeUriMembersA(&result);
     uriFreeUriMembersA(&relativeUri);
     uriFreeUriMembersA(&baseUri);
-    if (!ok)
+    if (!ok) {
         out[0] = 0;
-    return ok;
+        return false;
+    }
+    return Put(WindowsEscaping(out, relative), out, UrlCapacity);
 }
 
 bool EscapeUrl(const char* url, char* out)
