@@ -1,0 +1,143 @@
+#include <vek/io/CContainerContext.h>
+
+#include <vek/core/Log.h>
+#include <vek/core/Result.h>
+#include <vek/io/CBufferedStream.h>
+#include <vek/io/CFileDescriptorStream.h>
+
+#include <cstring>
+#include <new>
+
+namespace Quorvex::Vek {
+
+CContainerContext::CContainerContext(uint32_t type, CArray<CString>* names)
+    : CObject(type), m_names(names)
+{
+}
+
+CContainerContext::~CContainerContext() = default;
+
+CArray<CString>* CContainerContext::NewNameList()
+{
+    return CArray<CString>::Create();
+}
+
+int CContainerContext::AddFileName(CString* name)
+{
+    if (!name)
+        return RESULT_ARGUMENT_NULL;
+    return m_names->Add(name);
+}
+
+int CContainerContext::AddFilePath(CString* path)
+{
+    return AddFileName(path);
+}
+
+bool CContainerContext::MoveNextFile()
+{
+    if (m_current + 1 >= m_names->GetCount())
+        return false;
+    ++m_current;
+    return true;
+}
+
+void CContainerContext::ResetFiles()
+{
+    m_current = 0;
+}
+
+CString* CContainerContext::GetCurrentFileName()
+{
+    CString* name = m_names->Get(m_current);
+    if (name)
+        name->Acquire();
+    return name;
+}
+
+CString* CContainerContext::GetCurrentFilePath()
+{
+    return GetCurrentFileName();
+}
+
+int CContainerContext::OpenForReading(CString* path, const ReaderSettings& reader, CStream*& result)
+{
+    RObject<CFileDescriptorStream> file = new (std::nothrow) CFileDescriptorStream(FileStream::FileMode::Read);
+    if (!file)
+        return RESULT_OUT_OF_MEMORY;
+    int status = file->Open(path);
+    if (status < 0)
+        return status;
+    if (reader.readWaitTime > 0) {
+        status = file->SetReadWaitTime(reader.readWaitTime);
+        if (status < 0) {
+            Log(LogLevel::Error, "CContainerContext::OpenForReading: read wait time %d ms is out of range\n",
+                reader.readWaitTime);
+            return status;
+        }
+    }
+    if (reader.bufferSize < 1) {
+        result = file.Detach();
+        return RESULT_OK;
+    }
+    CBufferedStream* buffered = new (std::nothrow) CBufferedStream(file, reader.bufferSize, ReadBufferBlocks);
+    if (!buffered)
+        return RESULT_OUT_OF_MEMORY;
+    result = buffered;
+    return RESULT_OK;
+}
+
+int CContainerContext::OpenForWriting(CString* path, CStream*& result)
+{
+    RObject<CFileDescriptorStream> file =
+        new (std::nothrow) CFileDescriptorStream(FileStream::FileMode::ReadWrite);
+    if (!file)
+        return RESULT_OUT_OF_MEMORY;
+    const int status = file->Open(path);
+    if (status < 0)
+        return status;
+    result = file.Detach();
+    return RESULT_OK;
+}
+
+bool CContainerContext::IsAbsolutePath(const char* path)
+{
+    if (!path || !*path)
+        return false;
+    if (path[0] == '/' || path[0] == '\\')
+        return true;
+    const bool letter = (path[0] >= 'a' && path[0] <= 'z') || (path[0] >= 'A' && path[0] <= 'Z');
+    return letter && path[1] == ':' && (path[2] == '/' || path[2] == '\\');
+}
+
+CString* CContainerContext::JoinPath(CString* directory, CString* name)
+{
+    if (!directory || !name)
+        return nullptr;
+    const char* dir = directory->GetChars();
+    const size_t length = std::strlen(dir);
+    if (length == 0) {
+        name->Acquire();
+        return name;
+    }
+    const char last = dir[length - 1];
+    if (last == '/' || last == '\\')
+        return CString::Concat(directory, name);
+    RObject<CString> withSeparator = directory->Append(std::strchr(dir, '\\') ? '\\' : '/');
+    return withSeparator ? CString::Concat(withSeparator, name) : nullptr;
+}
+
+CString* CContainerContext::DirectoryOf(CString* path)
+{
+    if (!path)
+        return nullptr;
+    const char* text = path->GetChars();
+    const char* slash = std::strrchr(text, '/');
+    const char* backslash = std::strrchr(text, '\\');
+    const char* last = slash > backslash ? slash : backslash;
+    if (!last)
+        return nullptr;
+    return new (std::nothrow) CString(text, int32_t(last - text + 1));
+}
+
+} // namespace Quorvex::Vek

@@ -1,0 +1,41 @@
+#pragma once
+
+// A context over a directory: file names are resolved inside it (a name
+// that is already an absolute path is used as it is). The usual context
+// for a file named by path.
+#include <vek/io/CContainerContext.h>
+
+namespace Quorvex::Vek {
+
+class VEK_API CContainerDirectoryContext : public CContainerContext {
+public:
+    static constexpr uint32_t Type = Four("dcxt");
+
+    // A new context for the directory `path` (shared); null for a null
+    // path or when out of memory.
+    static CContainerDirectoryContext* Create(CString* path);
+    // A context for the directory of `filePath` with that file as its
+    // first name; null when the path has no directory part.
+    static CContainerDirectoryContext* CreateForFile(CString* filePath);
+
+    // The directory, a new reference.
+    CString* GetPath();
+
+    // Stores a path inside the directory as its name relative to it.
+    int AddFilePath(CString* path) override;
+    CString* GetCurrentFilePath() override;
+
+    int OpenStream(const ReaderSettings& reader, CString* name, CStream*& result) override;
+    int OpenStream(const WriterSettings& writer, CString* name, CStream*& result) override;
+
+protected:
+    CContainerDirectoryContext(CArray<CString>* names, CString* path);
+    ~CContainerDirectoryContext() override;
+
+private:
+    CString* Resolve(CString* name);
+
+    RObject<CString> m_path;
+};
+
+} // namespace Quorvex::Vek

@@ -1,0 +1,228 @@
+#include <vek/io/CDataUri.h>
+
+#include <vek/core/CByteArray.h>
+#include <vek/core/CString.h>
+#include <vek/core/Log.h>
+
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string>
+
+namespace Quorvex::Vek {
+
+namespace {
+
+constexpr const char* kDefaultMediaType = "text/plain;charset=US-ASCII";
+
+char Lower(char c)
+{
+    return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c;
+}
+
+bool StartsWithIgnoreCase(const char* text, size_t length, const char* prefix)
+{
+    const size_t n = std::strlen(prefix);
+    if (length < n)
+        return false;
+    for (size_t i = 0; i < n; ++i)
+        if (Lower(text[i]) != Lower(prefix[i]))
+            return false;
+    return true;
+}
+
+int Base64Value(char c)
+{
+    if (c >= 'A' && c <= 'Z')
+        return c - 'A';
+    if (c >= 'a' && c <= 'z')
+        return c - 'a' + 26;
+    if (c >= '0' && c <= '9')
+        return c - '0' + 52;
+    if (c == '+' || c == '-')
+        return 62;
+    if (c == '/' || c == '_')
+        return 63;
+    return -1;
+}
+
+// The parts of a data URI: [header, comma) and (comma, end).
+struct Parsed {
+    std::string mediaType;
+    bool base64 = false;
+    const char* data = nullptr;
+    size_t dataLength = 0;
+};
+
+bool Parse(const char* text, Parsed& parsed)
+{
+    if (!text)
+        return false;
+    const size_t length = std::strlen(text);
+    if (!StartsWithIgnoreCase(text, length, "data:"))
+        return false;
+    const char* comma = std::strchr(text + 5, ',');
+    if (!comma)
+        return false;
+    std::string header(text + 5, size_t(comma - text - 5));
+    constexpr const char* kBase64 = ";base64";
+    const size_t suffix = std::strlen(kBase64);
+    if (header.size() >= suffix &&
+        StartsWithIgnoreCase(header.c_str() + header.size() - suffix, suffix, kBase64)) {
+        parsed.base64 = true;
+        header.resize(header.size() - suffix);
+    }
+    if (header.empty())
+        parsed.mediaType = kDefaultMediaType;
+    else if (header[0] == ';')
+        parsed.mediaType = "text/plain" + header;
+    else
+        parsed.mediaType = header;
+    parsed.data = comma + 1;
+    parsed.dataLength = length - size_t(comma + 1 - text);
+    return true;
+}
+
+// Percent-decodes; a '%' without two hexadecimal digits fails.
+bool PercentDecode(const char* text, size_t length, std::string& out)
+{
+    out.clear();
+    out.reserve(length);
+    for (size_t i = 0; i < length; ++i) {
+        if (text[i] != '%') {
+            out += text[i];
+            continue;
+        }
+        if (i + 2 >= length || !CUri::IsHexDigit(text[i + 1]) || !CUri::IsHexDigit(text[i + 2]))
+            return false;
+        out += char(CUri::FromHexDigit(text[i + 1]) * 16 + CUri::FromHexDigit(text[i + 2]));
+        i += 2;
+    }
+    return true;
+}
+
+// Standard or URL-safe alphabet; white space is skipped, padding optional,
+// anything after padding other than padding or white space fails.
+bool Base64Decode(const std::string& text, std::string& out)
+{
+    out.clear();
+    uint32_t bits = 0;
+    int count = 0;
+    bool padded = false;
+    for (char c : text) {
+        if (c == ' ' || c == '\t' || c == '\r' || c == '\n')
+            continue;
+        if (c == '=') {
+            padded = true;
+            continue;
+        }
+        const int value = Base64Value(c);
+        if (value < 0 || padded)
+            return false;
+        bits = (bits << 6) | uint32_t(value);
+        if (++count == 4) {
+            out += char(bits >> 16);
+            out += char(bits >> 8);
+            out += char(bits);
+            bits = 0;
+            count = 0;
+        }
+    }
+    if (count == 1)
+        return false;
+    if (count == 2)
+        out += char(bits >> 4);
+    if (count == 3) {
+        out += char(bits >> 10);
+        out += char(bits >> 2);
+    }
+    return true;
+}
+
+bool Decode(const Parsed& parsed, std::string& bytes)
+{
+    std::string text;
+    if (!PercentDecode(parsed.data, parsed.dataLength, text))
+        return false;
+    if (!parsed.base64) {
+        bytes.swap(text);
+        return true;
+    }
+    return Base64Decode(text, bytes);
+}
+
+} // namespace
+
+CDataUri::CDataUri(CString* text) : CUri(text, Type) {}
+
+CDataUri::~CDataUri() = default;
+
+CDataUri* CDataUri::CreateWithDataUri(const char* text)
+{
+    Parsed parsed;
+    std::string bytes;
+    if (!Parse(text, parsed)) {
+        Log(LogLevel::Warning, "CDataUri::CreateWithDataUri: not a data URI\n");
+        return nullptr;
+    }
+    try {
+        if (!Decode(parsed, bytes)) {
+            Log(LogLevel::Warning, "CDataUri::CreateWithDataUri: data of %zu characters cannot be decoded\n",
+                parsed.dataLength);
+            return nullptr;
+        }
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+    if (bytes.size() > size_t(std::numeric_limits<int32_t>::max()))
+        return nullptr;
+    CString* stored = new (std::nothrow) CString(text);
+    if (!stored)
+        return nullptr;
+    CDataUri* uri = new (std::nothrow) CDataUri(stored);
+    if (!uri)
+        stored->Release();
+    return uri;
+}
+
+CDataUri* CDataUri::CreateWithDataUri(CString* text)
+{
+    return text ? CreateWithDataUri(text->GetChars()) : nullptr;
+}
+
+CString* CDataUri::GetMediaType()
+{
+    Parsed parsed;
+    if (!m_url || !Parse(m_url->GetChars(), parsed))
+        return nullptr;
+    return new (std::nothrow) CString(parsed.mediaType.c_str());
+}
+
+CByteArray* CDataUri::GetData()
+{
+    Parsed parsed;
+    std::string bytes;
+    try {
+        if (!m_url || !Parse(m_url->GetChars(), parsed) || !Decode(parsed, bytes))
+            return nullptr;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+    if (bytes.size() > size_t(std::numeric_limits<int32_t>::max()))
+        return nullptr;
+    return new (std::nothrow)
+        CByteArray(reinterpret_cast<const unsigned char*>(bytes.data()), int32_t(bytes.size()));
+}
+
+bool CDataUri::IsMediaType(const char* mediaType)
+{
+    Parsed parsed;
+    if (!mediaType || !m_url || !Parse(m_url->GetChars(), parsed))
+        return false;
+    const size_t typeLength = parsed.mediaType.find(';');
+    const std::string type = parsed.mediaType.substr(0, typeLength);
+    const size_t wanted = std::strlen(mediaType);
+    return type.size() == wanted && StartsWithIgnoreCase(type.c_str(), type.size(), mediaType);
+}
+
+} // namespace Quorvex::Vek

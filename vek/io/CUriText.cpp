@@ -1,0 +1,186 @@
+// CUri's character classes and the percent-escaping of data strings: the
+// parts of URL handling the library does itself rather than through the
+// platform's URL services.
+#include <vek/io/CUri.h>
+
+#include <vek/core/CString.h>
+
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+
+namespace Quorvex::Vek {
+
+namespace {
+
+// Order matters only to readers: it is the order the set is documented in.
+constexpr char kReserved[] = ";/?:@&=+$,^`{}|[]\"<>\\";
+
+CString* NewString(const char* text, size_t length)
+{
+    return new (std::nothrow) CString(text, int32_t(length));
+}
+
+CString* Share(CString* text)
+{
+    text->Acquire();
+    return text;
+}
+
+bool NeedsEscape(char c, unsigned int flags)
+{
+    if (c == '/' && (flags & CUri::EscapeKeepSlash))
+        return false;
+    return CUri::IsReserved(c);
+}
+
+} // namespace
+
+bool CUri::IsReserved(char c)
+{
+    const uint8_t b = uint8_t(c);
+    if (b < 0x21 || b > 0x7E)
+        return true;
+    return std::strchr(kReserved, c) != nullptr;
+}
+
+bool CUri::IsHexDigit(char c)
+{
+    return FromHexDigit(c) >= 0;
+}
+
+int CUri::FromHexDigit(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+char CUri::ToHexDigit(int32_t value)
+{
+    if (value < 0 || value > 15)
+        return 0;
+    return "0123456789ABCDEF"[value];
+}
+
+CString* CUri::EscapeDataString(CString* text, unsigned int flags)
+{
+    if (!text)
+        return new (std::nothrow) CString();
+    const char* chars = text->GetChars();
+    const size_t length = std::strlen(chars);
+
+    size_t count = 0;
+    for (size_t i = 0; i < length; ++i)
+        if (NeedsEscape(chars[i], flags))
+            ++count;
+    if (count == 0)
+        return Share(text);
+
+    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 2 * count + 1]);
+    if (!out)
+        return nullptr;
+    size_t n = 0;
+    for (size_t i = 0; i < length; ++i) {
+        const char c = chars[i];
+        if (NeedsEscape(c, flags)) {
+            out[n++] = '%';
+            out[n++] = ToHexDigit(uint8_t(c) >> 4);
+            out[n++] = ToHexDigit(uint8_t(c) & 15);
+        } else {
+            out[n++] = c;
+        }
+    }
+    return NewString(out.get(), n);
+}
+
+CString* CUri::UnescapeDataString(CString* text)
+{
+    if (!text)
+        return new (std::nothrow) CString();
+    const char* chars = text->GetChars();
+    const size_t length = std::strlen(chars);
+    if (length == 0)
+        return Share(text);
+
+    // Validate everything first: a bad escape anywhere refuses the whole text.
+    size_t escapes = 0;
+    for (size_t i = 0; i < length; ++i) {
+        if (chars[i] != '%')
+            continue;
+        if (i + 2 >= length || !IsHexDigit(chars[i + 1]) || !IsHexDigit(chars[i + 2]))
+            return nullptr;
+        ++escapes;
+        i += 2;
+    }
+    if (escapes == 0)
+        return Share(text);
+
+    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 1]);
+    if (!out)
+        return nullptr;
+    size_t n = 0;
+    for (size_t i = 0; i < length; ++i) {
+        if (chars[i] == '%') {
+            out[n++] = char(FromHexDigit(chars[i + 1]) * 16 + FromHexDigit(chars[i + 2]));
+            i += 2;
+        } else {
+            out[n++] = chars[i];
+        }
+    }
+    return NewString(out.get(), n);
+}
+
+CString* CUri::UniformResourceLabelUnEscape(CString* text)
+{
+    if (!text)
+        return nullptr;
+    const char* chars = text->GetChars();
+    const size_t length = std::strlen(chars);
+    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 1]);
+    if (!out)
+        return nullptr;
+    size_t n = 0;
+    for (size_t i = 0; i < length; ++i) {
+        const char c = chars[i];
+        if (c == '+') {
+            out[n++] = ' ';
+        } else if (c == '%' && i + 2 < length && IsHexDigit(chars[i + 1]) && IsHexDigit(chars[i + 2])) {
+            out[n++] = char(FromHexDigit(chars[i + 1]) * 16 + FromHexDigit(chars[i + 2]));
+            i += 2;
+        } else {
+            out[n++] = c;
+        }
+    }
+    return NewString(out.get(), n);
+}
+
+void CUri::CrackExtraInfo(CString* extra, CString*& query, CString*& fragment)
+{
+    query = new (std::nothrow) CString();
+    fragment = new (std::nothrow) CString();
+    const char* chars = extra ? extra->GetChars() : "";
+    const size_t length = std::strlen(chars);
+    if (length == 0 || (chars[0] != '#' && chars[0] != '?'))
+        return;
+
+    const char* hash = chars[0] == '#' ? chars : std::strchr(chars, '#');
+    const size_t queryEnd = hash ? size_t(hash - chars) : length;
+    if (chars[0] == '?') {
+        if (query)
+            query->Release();
+        query = NewString(chars + 1, queryEnd - 1);
+    }
+    if (hash) {
+        if (fragment)
+            fragment->Release();
+        fragment = NewString(hash + 1, length - queryEnd - 1);
+    }
+}
+
+} // namespace Quorvex::Vek
