@@ -9,7 +9,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CContainerDirectoryContext : public CContainerContext {
 public:
-    static constexpr uint32_t Type = Four("dcxt");
+    enum : uint32_t { Type = Four("dcxt") };
 
     // A new context for the directory `path` (shared); null for a null
     // path or when out of memory.

@@ -10,12 +10,12 @@ namespace Quorvex::Vek {
 
 class VEK_API CContainerMultiFileContext : public CContainerContext {
 public:
-    static constexpr uint32_t Type = Four("mcxt");
+    enum : uint32_t { Type = Four("mcxt") };
 
     // One entry: a full file name and the kind of content it holds.
     class VEK_API CMultiFileCtxInfo : public CObject {
     public:
-        static constexpr uint32_t Type = Four("mcxi");
+        enum : uint32_t { Type = Four("mcxi") };
 
         // Kinds used by the library's readers; any other code may be used
         // between a host and a reader that agree on it.

@@ -9,7 +9,7 @@ namespace Quorvex::Vek {
 
 class VEK_API CContainerStreamContext : public CContainerContext {
 public:
-    static constexpr uint32_t Type = Four("scxt");
+    enum : uint32_t { Type = Four("scxt") };
 
     // A new context sharing `stream`, optionally known by `name` (may be
     // null); null for a null stream or when out of memory.

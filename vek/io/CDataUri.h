@@ -11,7 +11,7 @@ class CByteArray;
 
 class VEK_API CDataUri : public CUri {
 public:
-    static constexpr uint32_t Type = Four("duri");
+    enum : uint32_t { Type = Four("duri") };
 
     // A new data URI owned by the caller; null when the text is not a
     // data URI, lacks the comma, or its data cannot be decoded.

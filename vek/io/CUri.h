@@ -20,7 +20,7 @@ class CString;
 
 class VEK_API CUri : public CObject {
 public:
-    static constexpr uint32_t Type = Four("uri ");
+    enum : uint32_t { Type = Four("uri ") };
 
     static const char* const UriSchemeFile;  // "file"
     static const char* const UriSchemeFtp;   // "ftp"

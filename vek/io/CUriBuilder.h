@@ -17,7 +17,7 @@ class CUriParameterCollection;
 
 class VEK_API CUriBuilder : public CObject {
 public:
-    static constexpr uint32_t Type = Four("urib");
+    enum : uint32_t { Type = Four("urib") };
 
     // All return a new builder owned by the caller, or null.
     static CUriBuilder* Create();

@@ -10,7 +10,7 @@ class CString;
 
 class VEK_API CUriParameter : public CObject {
 public:
-    static constexpr uint32_t Type = Four("uprm");
+    enum : uint32_t { Type = Four("uprm") };
 
     // A new parameter owned by the caller (a null value becomes empty);
     // null for a null name or when out of memory.

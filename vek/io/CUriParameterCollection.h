@@ -18,7 +18,7 @@ class CUri;
 
 class VEK_API CUriParameterCollection : public CObject {
 public:
-    static constexpr uint32_t Type = Four("uprc");
+    enum : uint32_t { Type = Four("uprc") };
 
     // A new empty collection owned by the caller, or null.
     static CUriParameterCollection* Create();

@@ -323,7 +323,7 @@ bool CrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts)
     if (decode) {
         cracked.path = Unescape(RemoveDotSegments(cracked.path));
         if (cracked.hasAuthority && cracked.path.empty() && cracked.extraInfo.empty())
-            cracked.path = "/";
+            cracked.path.assign(1, '/'); // not = "/": GCC 12 warns falsely (-Wrestrict)
         cracked.host = Unescape(cracked.host);
         cracked.userName = Unescape(cracked.userName);
         cracked.password = Unescape(cracked.password);
