@@ -10,16 +10,17 @@ namespace Quorvex::Vek::Platform {
 
 namespace {
 
-// A plain mutex plus explicit owner and depth gives re-entry with monitor
-// semantics: Wait releases every level and restores it afterwards, which a
-// recursive pthread mutex cannot do safely.
+// A recursive pthread mutex gives re-entry at the library's fast path cost.
+// The depth is kept alongside (touched by the owner only) so that Wait can
+// release every level and restore it afterwards, as a monitor must.
 struct PosixMonitor {
     pthread_mutex_t mutex;
     pthread_cond_t condition;
-    // Written to a thread's own id only by that thread, and cleared by it
-    // before it lets go, so "owner == me" is exact even when read relaxed.
+    // Set by a thread to its own id when it takes the first level and
+    // cleared by it before it lets go of the last, so "owner == me" is
+    // exact even when read relaxed.
     std::atomic<pthread_t> owner;
-    int depth; // touched by the owner only
+    int depth;
 };
 static_assert(sizeof(PosixMonitor) <= kLockStorageSize, "lock storage too small");
 
@@ -33,16 +34,10 @@ bool OwnedByCaller(const PosixMonitor& m)
     return pthread_equal(m.owner.load(std::memory_order_relaxed), pthread_self());
 }
 
-void TakeOwnership(PosixMonitor& m, int depth)
+void Entered(PosixMonitor& m)
 {
-    m.owner.store(pthread_self(), std::memory_order_relaxed);
-    m.depth = depth;
-}
-
-void GiveUpOwnership(PosixMonitor& m)
-{
-    m.depth = 0;
-    m.owner.store(pthread_t{}, std::memory_order_relaxed);
+    if (++m.depth == 1)
+        m.owner.store(pthread_self(), std::memory_order_relaxed);
 }
 
 timespec Deadline(int32_t milliseconds)
@@ -63,13 +58,18 @@ timespec Deadline(int32_t milliseconds)
 void LockInitialize(LockStorage& lock)
 {
     auto* m = new (lock.bytes) PosixMonitor;
-    pthread_mutex_init(&m->mutex, nullptr);
-    pthread_condattr_t attributes;
-    pthread_condattr_init(&attributes);
-    pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
-    pthread_cond_init(&m->condition, &attributes);
-    pthread_condattr_destroy(&attributes);
-    GiveUpOwnership(*m);
+    pthread_mutexattr_t mutexAttributes;
+    pthread_mutexattr_init(&mutexAttributes);
+    pthread_mutexattr_settype(&mutexAttributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutex_init(&m->mutex, &mutexAttributes);
+    pthread_mutexattr_destroy(&mutexAttributes);
+    pthread_condattr_t conditionAttributes;
+    pthread_condattr_init(&conditionAttributes);
+    pthread_condattr_setclock(&conditionAttributes, CLOCK_MONOTONIC);
+    pthread_cond_init(&m->condition, &conditionAttributes);
+    pthread_condattr_destroy(&conditionAttributes);
+    m->owner.store(pthread_t{}, std::memory_order_relaxed);
+    m->depth = 0;
 }
 
 void LockDestroy(LockStorage& lock)
@@ -82,24 +82,16 @@ void LockDestroy(LockStorage& lock)
 void LockEnter(LockStorage& lock)
 {
     auto& m = Monitor(lock);
-    if (OwnedByCaller(m)) {
-        ++m.depth;
-        return;
-    }
     pthread_mutex_lock(&m.mutex);
-    TakeOwnership(m, 1);
+    Entered(m);
 }
 
 bool LockTryEnter(LockStorage& lock)
 {
     auto& m = Monitor(lock);
-    if (OwnedByCaller(m)) {
-        ++m.depth;
-        return true;
-    }
     if (pthread_mutex_trylock(&m.mutex) != 0)
         return false;
-    TakeOwnership(m, 1);
+    Entered(m);
     return true;
 }
 
@@ -107,12 +99,9 @@ void LockExit(LockStorage& lock)
 {
     auto& m = Monitor(lock);
     if (!OwnedByCaller(m))
-        return;
-    if (m.depth > 1) {
-        --m.depth;
-        return;
-    }
-    GiveUpOwnership(m);
+        return; // leaving a lock one does not hold is ignored, not undefined
+    if (--m.depth == 0)
+        m.owner.store(pthread_t{}, std::memory_order_relaxed);
     pthread_mutex_unlock(&m.mutex);
 }
 
@@ -121,8 +110,12 @@ bool LockWait(LockStorage& lock, int32_t milliseconds)
     auto& m = Monitor(lock);
     if (!OwnedByCaller(m))
         return false;
+    // Drop to one level: the condition wait releases exactly that one.
     const int savedDepth = m.depth;
-    GiveUpOwnership(m);
+    for (int level = savedDepth; level > 1; --level)
+        pthread_mutex_unlock(&m.mutex);
+    m.depth = 0;
+    m.owner.store(pthread_t{}, std::memory_order_relaxed);
     int rc = 0;
     if (milliseconds < 0) {
         rc = pthread_cond_wait(&m.condition, &m.mutex);
@@ -130,7 +123,10 @@ bool LockWait(LockStorage& lock, int32_t milliseconds)
         const timespec deadline = Deadline(milliseconds);
         rc = pthread_cond_timedwait(&m.condition, &m.mutex, &deadline);
     }
-    TakeOwnership(m, savedDepth);
+    for (int level = 1; level < savedDepth; ++level)
+        pthread_mutex_lock(&m.mutex);
+    m.depth = savedDepth;
+    m.owner.store(pthread_self(), std::memory_order_relaxed);
     return rc == 0;
 }
 
