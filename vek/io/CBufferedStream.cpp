@@ -6,6 +6,7 @@
 #include <vek/core/Result.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -314,6 +315,11 @@ int CBufferedStream::Read(unsigned char* buffer, int32_t count)
     }
     if (!buffer)
         return RESULT_ARGUMENT_NULL;
+    // No byte lies beyond the largest position: stop there rather than let
+    // the position arithmetic overflow.
+    count = int32_t(std::min<int64_t>(count, INT64_MAX - m_position));
+    if (count == 0)
+        return 0;
     const int got = GetBlockCount() == 0 ? PassThroughRead(buffer, count) : ReadCached(buffer, count);
     if (got < 0)
         return got;
@@ -401,6 +407,8 @@ int CBufferedStream::Write(const unsigned char* buffer, int32_t count)
         return 0;
     if (!buffer)
         return RESULT_ARGUMENT_NULL;
+    if (count > INT64_MAX - m_position)
+        return RESULT_ARGUMENT_OUT_OF_RANGE;
     const int put = GetBlockCount() == 0 ? PassThroughWrite(buffer, count) : WriteCached(buffer, count);
     if (put < 0)
         return put;

@@ -52,7 +52,8 @@ public:
     // Moves the position only; -19003 for a target below 0. An unknown
     // origin reports the position.
     int Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition = nullptr) override;
-    // -19010 without an inner stream, -19006 when it cannot be written.
+    // -19010 without an inner stream, -19006 when it cannot be written,
+    // -19003 when the bytes would run past the largest 64-bit position.
     int Write(const unsigned char* buffer, int32_t count) override;
     // Writes back every dirty block, last to first, then flushes the inner
     // stream. A no-op when the inner stream cannot be written.
