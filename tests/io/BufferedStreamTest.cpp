@@ -262,3 +262,35 @@ TEST(BufferedStream, PublicCreateSharesTheInnerStream)
     EXPECT_EQ(inner.ToObject()->GetReferenceCount(), 1);
     EXPECT_EQ(inner.GetLength(), 1) << "dirty blocks are written back when the cache goes away";
 }
+
+// Positions are 64-bit and any of them may be sought; reads and writes near
+// the largest one must fail cleanly instead of overflowing the arithmetic.
+TEST(BufferedStream, PositionsNearTheLargestOffset)
+{
+    struct Case {
+        int64_t position;
+        int32_t count;
+        bool write;
+        int result;
+    };
+    const int64_t top = INT64_MAX;
+    const Case cases[] = {
+        {top - 5, 64, false, RESULT_ARGUMENT_OUT_OF_RANGE}, // the inner memory stream refuses
+        {top, 64, false, 0},
+        {top - 1, 4096, false, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {top - 5, 64, true, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {top - 15, 16, true, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {top, 1, true, RESULT_ARGUMENT_OUT_OF_RANGE},
+    };
+    for (const Case& c : cases) {
+        RObject<CMemoryStream> inner(new CMemoryStream());
+        RObject<CBufferedStream> cache(new CBufferedStream(inner, 16, 2));
+        ASSERT_EQ(cache->Seek(c.position, CStream::Begin), 0);
+        std::vector<unsigned char> bytes(size_t(c.count), 7);
+        const int result =
+            c.write ? cache->Write(bytes.data(), c.count) : cache->Read(bytes.data(), c.count);
+        EXPECT_EQ(result, c.result) << c.position << (c.write ? " write " : " read ") << c.count;
+        EXPECT_EQ(cache->GetPosition(), c.position);
+        EXPECT_EQ(cache->GetLength(), 0);
+    }
+}
