@@ -57,9 +57,8 @@ int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileErro
 // The current position (64-bit), or -1.
 int64_t FileTell(int descriptor);
 
-// The position as the C runtime reports it right after a write. Windows
-// uses the 32-bit _tell, so a value past 2 GiB comes back as -1 there; the
-// POSIX build answers with the 64-bit position.
+// The position as the Windows runtime's 32-bit _tell reports it right
+// after a write: -1 past 2 GiB. The POSIX build answers the same way.
 int64_t FileTellAfterWrite(int descriptor);
 
 // Commits written data to the disk; false on failure.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 
 namespace Quorvex::Vek::Platform {
 
@@ -127,7 +128,10 @@ int64_t FileTell(int descriptor)
 
 int64_t FileTellAfterWrite(int descriptor)
 {
-    return FileTell(descriptor);
+    // Answer as the Windows runtime's 32-bit position call does, so that
+    // both builds keep the cached length of a written file the same way.
+    const int64_t position = FileTell(descriptor);
+    return position > INT32_MAX ? -1 : position;
 }
 
 bool FileCommit(int descriptor, FileError& error)
