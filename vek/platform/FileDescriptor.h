@@ -26,6 +26,9 @@ struct FileError {
     int number = 0;
 };
 
+// The kind of a C runtime error number (errno), matched by symbolic name.
+FileError FileErrorFromNumber(int number);
+
 // How a file is opened. Every mode is binary; created files get read and
 // write permission for the owner only.
 enum class FileOpenMode {

@@ -13,23 +13,6 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "the file layer needs 64-bit file offsets");
 
-FileError MakeError(int number)
-{
-    FileError error;
-    error.number = number;
-    switch (number) {
-    case ENOENT: error.kind = FileErrorKind::NoEntry; break;
-    case EACCES: error.kind = FileErrorKind::AccessDenied; break;
-    case EEXIST: error.kind = FileErrorKind::Exists; break;
-    case EISDIR: error.kind = FileErrorKind::IsDirectory; break;
-    case ENOSPC: error.kind = FileErrorKind::NoSpace; break;
-    case ENAMETOOLONG: error.kind = FileErrorKind::NameTooLong; break;
-    case ENOMEM: error.kind = FileErrorKind::NoMemory; break;
-    default: error.kind = FileErrorKind::Other; break;
-    }
-    return error;
-}
-
 int OpenFlags(FileOpenMode mode)
 {
     switch (mode) {
@@ -61,7 +44,7 @@ int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
         descriptor = ::open(utf8Path, OpenFlags(mode) | O_CLOEXEC, S_IRUSR | S_IWUSR);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return kInvalidFileDescriptor;
     }
     // POSIX lets a directory be opened read-only; the Windows runtime does
@@ -69,7 +52,7 @@ int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
     struct stat info {};
     if (::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode)) {
         ::close(descriptor);
-        error = MakeError(EISDIR);
+        error = FileErrorFromNumber(EISDIR);
         return kInvalidFileDescriptor;
     }
     return descriptor;
@@ -82,7 +65,7 @@ int32_t FileRead(int descriptor, void* buffer, int32_t count, FileError& error)
         got = ::read(descriptor, buffer, size_t(count));
     while (got < 0 && errno == EINTR);
     if (got < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return -1;
     }
     return int32_t(got);
@@ -99,11 +82,11 @@ int32_t FileWrite(int descriptor, const void* buffer, int32_t count, FileError& 
         if (put < 0) {
             if (errno == EINTR)
                 continue;
-            error = MakeError(errno);
+            error = FileErrorFromNumber(errno);
             return -1;
         }
         if (put == 0) {
-            error = MakeError(ENOSPC);
+            error = FileErrorFromNumber(ENOSPC);
             return -1;
         }
         done += int32_t(put);
@@ -115,7 +98,7 @@ int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileErro
 {
     const off_t position = ::lseek(descriptor, off_t(offset), Whence(origin));
     if (position < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return -1;
     }
     return int64_t(position);
@@ -141,7 +124,7 @@ bool FileCommit(int descriptor, FileError& error)
     // Character devices and pipes cannot be synchronised; nothing is lost.
     if (errno == EINVAL || errno == EROFS)
         return true;
-    error = MakeError(errno);
+    error = FileErrorFromNumber(errno);
     return false;
 }
 
