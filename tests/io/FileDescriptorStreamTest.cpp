@@ -450,9 +450,9 @@ TEST(FileDescriptorStream, ReopeningKeepsOneReferenceToThePath)
 }
 
 // Offsets beyond 32 bits in a sparse file, directly and through a block
-// cache. Writes keep the cached length only below 2 GiB (the position is
-// asked with the 32-bit call on every platform); Open and the available
-// length see the whole file.
+// cache. Writes keep the cached length only below 2 GiB, the same on every
+// build (Wine's 32-bit position call cuts a large position to its low 32
+// bits rather than failing); Open and the available length see it all.
 TEST(FileDescriptorStream, OffsetsPastFourGigabytes)
 {
     struct Case {

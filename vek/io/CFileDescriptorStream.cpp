@@ -6,6 +6,8 @@
 #include <vek/platform/FileDescriptor.h>
 #include <vek/platform/System.h>
 
+#include <cstdint>
+
 namespace Quorvex::Vek {
 
 namespace {
@@ -232,11 +234,12 @@ int CFileDescriptorStream::Write(const unsigned char* buffer, int32_t count)
         }
         return RESULT_IO_ERROR;
     }
-    // Asked with the 32-bit position call, so the cached length follows
-    // writes only below 2 GiB; reads that see the file grow and Open still
+    // The position after a write is taken as a 32-bit value, as the
+    // runtime's 32-bit position call gives it, so the cached length follows
+    // writes only below 2 GiB; Open and reads that see the file grow still
     // learn the full 64-bit length.
-    const int64_t position = Platform::FileTellAfterWrite(m_descriptor);
-    if (position > m_length)
+    const int64_t position = Platform::FileTell(m_descriptor);
+    if (position <= INT32_MAX && position > m_length)
         m_length = position;
     return count;
 }

@@ -60,10 +60,6 @@ int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileErro
 // The current position (64-bit), or -1.
 int64_t FileTell(int descriptor);
 
-// The position as the Windows runtime's 32-bit _tell reports it right
-// after a write: -1 past 2 GiB. The POSIX build answers the same way.
-int64_t FileTellAfterWrite(int descriptor);
-
 // Commits written data to the disk; false on failure.
 bool FileCommit(int descriptor, FileError& error);
 

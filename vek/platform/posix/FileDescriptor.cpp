@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 
 namespace Quorvex::Vek::Platform {
 
@@ -107,14 +106,6 @@ int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileErro
 int64_t FileTell(int descriptor)
 {
     return int64_t(::lseek(descriptor, 0, SEEK_CUR));
-}
-
-int64_t FileTellAfterWrite(int descriptor)
-{
-    // Answer as the Windows runtime's 32-bit position call does, so that
-    // both builds keep the cached length of a written file the same way.
-    const int64_t position = FileTell(descriptor);
-    return position > INT32_MAX ? -1 : position;
 }
 
 bool FileCommit(int descriptor, FileError& error)

@@ -102,11 +102,6 @@ int64_t FileTell(int descriptor)
     return _telli64(descriptor);
 }
 
-int64_t FileTellAfterWrite(int descriptor)
-{
-    return int64_t(_tell(descriptor));
-}
-
 bool FileCommit(int descriptor, FileError& error)
 {
     if (_commit(descriptor) == 0)
