@@ -13,6 +13,11 @@
 // back any dirty block they overlap), so large sequential reads cost one
 // inner read each and small ones one inner read per block.
 //
+// A short answer from the inner stream ends the inner read unless the
+// stream's available length says more is there (or is unknown), and one
+// Read asks the inner stream past its end at most once: a file stream that
+// follows a growing file then waits once per Read, not once per block.
+//
 // Bytes between the inner stream's end and the buffered length (a gap
 // left by a write beyond the end that is not written back yet) read as 0.
 #include <vek/core/RObject.h>
@@ -83,6 +88,8 @@ private:
     CCacheBlock* BlockAt(int32_t index) const;
     int LoadBlock(CCacheBlock& block, int64_t start);
     int TopUp(CCacheBlock& block);
+    int ReadInner(int64_t position, unsigned char* buffer, int32_t count);
+    bool InnerHasMore(int64_t position);
     int WriteBack(CCacheBlock& block);
     int WriteBackOverlapping(int64_t start, int64_t end);
     // Every block from the last to the first, stopping at the first failure.
