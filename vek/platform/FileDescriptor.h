@@ -30,7 +30,8 @@ struct FileError {
 FileError FileErrorFromNumber(int number);
 
 // How a file is opened. Every mode is binary; created files get read and
-// write permission for the owner only.
+// write permission for the owner only; descriptors are not inherited by
+// child processes.
 enum class FileOpenMode {
     Read,            // read-only
     Write,           // write-only, create, truncate

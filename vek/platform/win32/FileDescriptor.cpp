@@ -13,16 +13,19 @@ namespace Quorvex::Vek::Platform {
 
 namespace {
 
+// Not inherited by child processes, like the POSIX build's O_CLOEXEC: a
+// host that starts programs must not hand them the library's open files.
 int OpenFlags(FileOpenMode mode)
 {
+    constexpr int common = _O_BINARY | _O_NOINHERIT;
     switch (mode) {
-    case FileOpenMode::Read: return _O_BINARY | _O_RDONLY;
-    case FileOpenMode::Write: return _O_BINARY | _O_WRONLY | _O_CREAT | _O_TRUNC;
-    case FileOpenMode::ReadWrite: return _O_BINARY | _O_RDWR | _O_CREAT | _O_TRUNC;
-    case FileOpenMode::Append: return _O_BINARY | _O_WRONLY | _O_CREAT | _O_APPEND;
-    case FileOpenMode::AppendReadWrite: return _O_BINARY | _O_RDWR | _O_CREAT | _O_APPEND;
+    case FileOpenMode::Read: return common | _O_RDONLY;
+    case FileOpenMode::Write: return common | _O_WRONLY | _O_CREAT | _O_TRUNC;
+    case FileOpenMode::ReadWrite: return common | _O_RDWR | _O_CREAT | _O_TRUNC;
+    case FileOpenMode::Append: return common | _O_WRONLY | _O_CREAT | _O_APPEND;
+    case FileOpenMode::AppendReadWrite: return common | _O_RDWR | _O_CREAT | _O_APPEND;
     }
-    return _O_BINARY | _O_RDONLY;
+    return common | _O_RDONLY;
 }
 
 std::vector<wchar_t> Widen(const char* utf8)
