@@ -170,6 +170,7 @@ TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
     TempDir dir;
     LogCapture log(1);
     const std::string longName = dir.File(std::string(300, 'n'));
+    ASSERT_TRUE(VekTest::WriteFile(dir.File("plain"), "x"));
     struct Case {
         std::string path;
         Mode mode;
@@ -180,6 +181,11 @@ TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
         {dir.File("missing/file"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
          "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
         {dir.File("absent"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
+         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        // A folder in the path that is a file (Windows says "not found").
+        {dir.File("plain") + "/inner", Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
+         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        {dir.File("plain") + "/inner", Mode::Write, RESULT_PATH_DOES_NOT_EXIST,
          "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
         {dir.Path(), Mode::Read, RESULT_PATH_IS_DIRECTORY,
          "CFileDescriptorStream::Open: RESULT_PATH_IS_DIRECTORY\n"},

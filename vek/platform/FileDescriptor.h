@@ -10,7 +10,7 @@ namespace Quorvex::Vek::Platform {
 
 enum class FileErrorKind {
     None,
-    NoEntry,      // ENOENT
+    NoEntry,      // ENOENT, ENOTDIR
     AccessDenied, // EACCES
     Exists,       // EEXIST
     IsDirectory,  // EISDIR

@@ -11,7 +11,10 @@ FileError FileErrorFromNumber(int number)
     FileError error;
     error.number = number;
     switch (number) {
-    case ENOENT: error.kind = FileErrorKind::NoEntry; break;
+    // A path that runs through a file: the Windows runtime reports it as
+    // not found, POSIX as "not a directory".
+    case ENOENT:
+    case ENOTDIR: error.kind = FileErrorKind::NoEntry; break;
     case EACCES: error.kind = FileErrorKind::AccessDenied; break;
     case EEXIST: error.kind = FileErrorKind::Exists; break;
     case EISDIR: error.kind = FileErrorKind::IsDirectory; break;
