@@ -14,9 +14,11 @@
 // inner read each and small ones one inner read per block.
 //
 // A short answer from the inner stream ends the inner read unless the
-// stream's available length says more is there (or is unknown), and one
-// Read asks the inner stream past its end at most once: a file stream that
-// follows a growing file then waits once per Read, not once per block.
+// stream's available length says more is there (or is unknown), and a
+// Read that has met the inner stream's end does not top blocks up from it
+// again: a file stream that follows a growing file then waits once per
+// Read, not once per block (a Read into a gap left by pending writes may
+// still meet it twice).
 //
 // Bytes between the inner stream's end and the buffered length (a gap
 // left by a write beyond the end that is not written back yet) read as 0.
