@@ -1,14 +1,19 @@
 #include <vek/core/Result.h>
 #include <vek/io/BufferedStream.h>
 #include <vek/io/CBufferedStream.h>
+#include <vek/io/CFileDescriptorStream.h>
 #include <vek/io/CMemoryStream.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "support/TestSupport.h"
 
 using namespace Quorvex::Vek;
 
@@ -24,7 +29,11 @@ public:
     int Read(unsigned char* buffer, int32_t count) override
     {
         ++reads;
-        return CMemoryStream::Read(buffer, count);
+        return CMemoryStream::Read(buffer, piece > 0 && count > piece ? piece : count);
+    }
+    int64_t GetAvailableLength() override
+    {
+        return lengthKnown ? CMemoryStream::GetAvailableLength() : -1;
     }
     int Write(const unsigned char* buffer, int32_t count) override
     {
@@ -45,6 +54,8 @@ public:
     int reads = 0;
     bool failWrites = false;
     bool readable = true;
+    int32_t piece = 0; // most bytes one read hands out; 0: no limit
+    bool lengthKnown = true;
 };
 
 std::vector<unsigned char> Content(CMemoryStream* stream)
@@ -261,4 +272,92 @@ TEST(BufferedStream, PublicCreateSharesTheInnerStream)
     }
     EXPECT_EQ(inner.ToObject()->GetReferenceCount(), 1);
     EXPECT_EQ(inner.GetLength(), 1) << "dirty blocks are written back when the cache goes away";
+}
+
+// Positions are 64-bit and any of them may be sought; reads and writes near
+// the largest one must fail cleanly instead of overflowing the arithmetic.
+TEST(BufferedStream, PositionsNearTheLargestOffset)
+{
+    struct Case {
+        int64_t position;
+        int32_t count;
+        bool write;
+        int result;
+    };
+    const int64_t top = INT64_MAX;
+    const Case cases[] = {
+        {top - 5, 64, false, RESULT_ARGUMENT_OUT_OF_RANGE}, // the inner memory stream refuses
+        {top, 64, false, 0},
+        {top - 1, 4096, false, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {top - 5, 64, true, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {top - 15, 16, true, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {top, 1, true, RESULT_ARGUMENT_OUT_OF_RANGE},
+    };
+    for (const Case& c : cases) {
+        RObject<CMemoryStream> inner(new CMemoryStream());
+        RObject<CBufferedStream> cache(new CBufferedStream(inner, 16, 2));
+        ASSERT_EQ(cache->Seek(c.position, CStream::Begin), 0);
+        std::vector<unsigned char> bytes(size_t(c.count), 7);
+        const int result =
+            c.write ? cache->Write(bytes.data(), c.count) : cache->Read(bytes.data(), c.count);
+        EXPECT_EQ(result, c.result) << c.position << (c.write ? " write " : " read ") << c.count;
+        EXPECT_EQ(cache->GetPosition(), c.position);
+        EXPECT_EQ(cache->GetLength(), 0);
+    }
+}
+
+// A file stream told to wait for growth waits once at the end of the file
+// and then answers short; the cache must take that as the end rather than
+// ask again and wait a second time.
+TEST(BufferedStream, WaitsOnceAtTheEndOfAFileStream)
+{
+    VekTest::TempDir dir;
+    const std::string path = dir.File("still");
+    ASSERT_TRUE(VekTest::WriteFile(path, "0123456789"));
+    RObject<CFileDescriptorStream> file(new CFileDescriptorStream(FileStream::FileMode::Read));
+    ASSERT_EQ(file->Open(path.c_str()), 0);
+    ASSERT_EQ(file->SetReadWaitTime(400), 0);
+    struct Case {
+        int32_t blockSize;
+        int32_t count;
+    };
+    const Case cases[] = {{64, 20}, {4, 20}, {64, 200}};
+    for (const Case& c : cases) {
+        RObject<CBufferedStream> cache(new CBufferedStream(file, c.blockSize, 4));
+        std::vector<unsigned char> out(size_t(c.count));
+        const auto started = std::chrono::steady_clock::now();
+        EXPECT_EQ(cache->Read(out.data(), c.count), 10) << c.blockSize << " " << c.count;
+        const auto waited = std::chrono::steady_clock::now() - started;
+        EXPECT_GE(waited, std::chrono::milliseconds(400)) << c.blockSize << " " << c.count;
+        // A second wait would take it to 800 ms.
+        EXPECT_LT(waited, std::chrono::milliseconds(750)) << c.blockSize << " " << c.count;
+        EXPECT_EQ(std::memcmp(out.data(), "0123456789", 10), 0);
+    }
+}
+
+// An inner stream may hand out fewer bytes than asked in the middle of its
+// data (a host's pipe, say): the cache keeps asking while the stream holds
+// more or cannot tell, and stops only at the real end.
+TEST(BufferedStream, ShortPiecesInTheMiddleAreNotTheEnd)
+{
+    struct Case {
+        bool lengthKnown;
+        int32_t count;
+    };
+    const Case cases[] = {{true, 10}, {false, 10}, {true, 40}, {false, 40}, {true, 100}, {false, 100}};
+    for (const Case& c : cases) {
+        RObject<CRecordingStream> inner(new CRecordingStream());
+        std::vector<unsigned char> bytes(50);
+        for (size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = uint8_t(i + 1);
+        inner->Write(bytes.data(), 50);
+        inner->piece = 3;
+        inner->lengthKnown = c.lengthKnown;
+        RObject<CBufferedStream> cache(new CBufferedStream(inner, 16, 2));
+        ASSERT_EQ(cache->Seek(5, CStream::Begin), 0);
+        std::vector<unsigned char> out(size_t(c.count));
+        const int32_t expected = std::min(c.count, 45);
+        EXPECT_EQ(cache->Read(out.data(), c.count), expected) << c.lengthKnown << " " << c.count;
+        EXPECT_EQ(std::memcmp(out.data(), bytes.data() + 5, size_t(expected)), 0);
+    }
 }

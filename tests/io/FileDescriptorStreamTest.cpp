@@ -2,12 +2,14 @@
 #include <vek/core/RObject.h>
 #include <vek/core/String.h>
 #include <vek/core/Result.h>
+#include <vek/io/CBufferedStream.h>
 #include <vek/io/CFileDescriptorStream.h>
 #include <vek/io/CMemoryStream.h>
 #include <vek/io/FileDescriptorStream.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -16,6 +18,12 @@
 #include <fstream>
 #include <string>
 #include <thread>
+
+#if !VEK_PLATFORM_WINDOWS
+#include <grp.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include "LogCapture.h"
 #include "support/TestSupport.h"
@@ -162,6 +170,7 @@ TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
     TempDir dir;
     LogCapture log(1);
     const std::string longName = dir.File(std::string(300, 'n'));
+    ASSERT_TRUE(VekTest::WriteFile(dir.File("plain"), "x"));
     struct Case {
         std::string path;
         Mode mode;
@@ -172,6 +181,11 @@ TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
         {dir.File("missing/file"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
          "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
         {dir.File("absent"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
+         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        // A folder in the path that is a file (Windows says "not found").
+        {dir.File("plain") + "/inner", Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
+         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        {dir.File("plain") + "/inner", Mode::Write, RESULT_PATH_DOES_NOT_EXIST,
          "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
         {dir.Path(), Mode::Read, RESULT_PATH_IS_DIRECTORY,
          "CFileDescriptorStream::Open: RESULT_PATH_IS_DIRECTORY\n"},
@@ -200,6 +214,55 @@ TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
               RESULT_ARGUMENT_NULL);
 }
 
+namespace {
+
+struct OpenResults {
+    int read = 0;
+    int write = 0;
+};
+
+OpenResults OpenForReadAndWrite(const std::string& path)
+{
+    OpenResults results;
+    OpenFile(path, Mode::Read, results.read);
+    OpenFile(path, Mode::Write, results.write);
+    return results;
+}
+
+#if !VEK_PLATFORM_WINDOWS
+// Root opens anything, so the attempt is made by a forked child that has
+// given up root for an unprivileged user first. Returns false when the
+// child could not drop its privileges.
+bool OpenAsUnprivilegedUser(const std::string& path, uid_t user, gid_t group, OpenResults& results)
+{
+    int channel[2];
+    if (::pipe(channel) != 0)
+        return false;
+    const pid_t child = ::fork();
+    if (child < 0) {
+        ::close(channel[0]);
+        ::close(channel[1]);
+        return false;
+    }
+    if (child == 0) {
+        ::close(channel[0]);
+        if (::setgroups(0, nullptr) != 0 || ::setgid(group) != 0 || ::setuid(user) != 0)
+            ::_exit(2);
+        const OpenResults answer = OpenForReadAndWrite(path);
+        const bool sent = ::write(channel[1], &answer, sizeof answer) == ssize_t(sizeof answer);
+        ::_exit(sent ? 0 : 3);
+    }
+    ::close(channel[1]);
+    const bool received = ::read(channel[0], &results, sizeof results) == ssize_t(sizeof results);
+    ::close(channel[0]);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return received && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+#endif
+
+} // namespace
+
 TEST(FileDescriptorStream, ReadOnlyFileRefusesWriting)
 {
     TempDir dir;
@@ -207,14 +270,26 @@ TEST(FileDescriptorStream, ReadOnlyFileRefusesWriting)
     ASSERT_TRUE(VekTest::WriteFile(path, "keep"));
     namespace fs = std::filesystem;
     fs::permissions(path, fs::perms::owner_read, fs::perm_options::replace);
-    // Run as root (or on a file system without permissions) the bits do not
-    // stop anyone, and the case says nothing.
-    if (std::ofstream(path, std::ios::app))
-        GTEST_SKIP() << "permissions are not enforced for this user";
     LogCapture log(1);
-    int result = 0;
-    OpenFile(path, Mode::Write, result);
-    EXPECT_EQ(result, RESULT_ACCESS_DENIED);
+    OpenResults results;
+    if (std::ofstream(path, std::ios::app)) {
+        // The bits do not stop this user: on POSIX as root, hand the file
+        // to an unprivileged user and try as that user.
+#if !VEK_PLATFORM_WINDOWS
+        const uid_t nobody = 65534;
+        if (::geteuid() != 0 || ::chown(path.c_str(), nobody, nobody) != 0)
+            GTEST_SKIP() << "permissions are not enforced for this user";
+        fs::permissions(dir.Path(), fs::perms::others_exec, fs::perm_options::add);
+        if (!OpenAsUnprivilegedUser(path, nobody, nobody, results))
+            GTEST_SKIP() << "cannot run as an unprivileged user";
+#else
+        GTEST_SKIP() << "permissions are not enforced for this user";
+#endif
+    } else {
+        results = OpenForReadAndWrite(path);
+    }
+    EXPECT_EQ(results.read, 0) << "reading is allowed: the refusal is about the mode";
+    EXPECT_EQ(results.write, RESULT_ACCESS_DENIED);
     EXPECT_EQ(log.Count("CFileDescriptorStream::Open: RESULT_ACCESS_DENIED\n"),
               LogCapture::Available() ? 1u : 0u);
     EXPECT_EQ(VekTest::ReadFile(path), "keep");
@@ -362,4 +437,76 @@ TEST(FileDescriptorStream, AvailableLengthMeasuresNowWithoutMoving)
     EXPECT_EQ(stream->GetLength(), 50);
     EXPECT_EQ(stream->GetAvailableLength(), 80);
     EXPECT_EQ(stream->GetPosition(), 20);
+}
+
+TEST(FileDescriptorStream, ReopeningKeepsOneReferenceToThePath)
+{
+    TempDir dir;
+    const std::string name = dir.File("again");
+    ASSERT_TRUE(VekTest::WriteFile(name, "abc"));
+    RObject<CString> path(new CString(name.c_str()));
+    {
+        RObject<CFileDescriptorStream> stream(new CFileDescriptorStream(Mode::Read));
+        ASSERT_EQ(stream->Open(path), 0);
+        ASSERT_EQ(stream->Open(path), 0);
+        EXPECT_EQ(stream->GetPath(), path.Get());
+        EXPECT_EQ(path->GetReferenceCount(), 2);
+    }
+    EXPECT_EQ(path->GetReferenceCount(), 1);
+}
+
+// Offsets beyond 32 bits in a sparse file, directly and through a block
+// cache. Writes keep the cached length only below 2 GiB, the same on every
+// build (Wine's 32-bit position call cuts a large position to its low 32
+// bits rather than failing); Open and the available length see it all.
+TEST(FileDescriptorStream, OffsetsPastFourGigabytes)
+{
+    struct Case {
+        int64_t position;
+        int64_t lengthAfterWrite;
+    };
+    const int64_t giB = int64_t(1) << 30;
+    const Case cases[] = {
+        {1000, 1008},
+        {2 * giB - 4, 1008},      // ends past 2 GiB: no longer tracked
+        {4 * giB + 3, 1008},
+        {5 * giB - 8, 1008},
+    };
+    TempDir dir;
+    const std::string path = dir.File("sparse");
+    int result = 0;
+    RObject<CFileDescriptorStream> writer = OpenFile(path, Mode::ReadWrite, result);
+    ASSERT_EQ(result, 0);
+    for (const Case& c : cases) {
+        const std::string mark = Pattern(size_t(c.position % 97) + 8).substr(size_t(c.position % 97));
+        int64_t position = -1;
+        ASSERT_EQ(writer->Seek(c.position, CStream::Begin, &position), 0) << c.position;
+        EXPECT_EQ(position, c.position);
+        ASSERT_EQ(writer->Write(reinterpret_cast<const unsigned char*>(mark.data()), 8), 8);
+        EXPECT_EQ(writer->GetPosition(), c.position + 8);
+        EXPECT_EQ(writer->GetLength(), c.lengthAfterWrite) << c.position;
+    }
+    EXPECT_EQ(writer->GetAvailableLength(), 5 * giB);
+    writer->Close();
+
+    RObject<CFileDescriptorStream> file = OpenFile(path, Mode::Read, result);
+    ASSERT_EQ(result, 0);
+    EXPECT_EQ(file->GetLength(), 5 * giB);
+    RObject<CBufferedStream> cache(new CBufferedStream(file, 65536, 4));
+    EXPECT_EQ(cache->GetLength(), 5 * giB);
+    for (const Case& c : cases) {
+        const std::string mark = Pattern(size_t(c.position % 97) + 8).substr(size_t(c.position % 97));
+        // Four zero bytes of the hole on either side of the mark.
+        unsigned char out[16] = {};
+        std::memset(out, 0xEE, sizeof out);
+        ASSERT_EQ(cache->Seek(c.position - 4, CStream::Begin), 0);
+        ASSERT_EQ(cache->Read(out, 16), c.position + 8 == 5 * giB ? 12 : 16) << c.position;
+        EXPECT_EQ(std::memcmp(out + 4, mark.data(), 8), 0) << c.position;
+        EXPECT_EQ(out[3], 0) << c.position;
+        EXPECT_EQ(cache->GetPosition(), std::min(c.position + 12, 5 * giB));
+        unsigned char direct[8] = {};
+        ASSERT_EQ(file->Seek(c.position, CStream::Begin), 0);
+        ASSERT_EQ(file->Read(direct, 8), 8);
+        EXPECT_EQ(std::memcmp(direct, mark.data(), 8), 0) << c.position;
+    }
 }

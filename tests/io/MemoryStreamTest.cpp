@@ -201,3 +201,33 @@ TEST(MemoryStream, ByteArrayForms)
     RObject<CByteArray> buffer(stream->GetBuffer());
     EXPECT_EQ(buffer->GetReferenceCount(), 2);
 }
+
+// At the last 32-bit position a growable stream cannot grow any more: the
+// write is refused without trying to allocate, and nothing changes.
+TEST(MemoryStream, WritesAtTheLastPositionAreRefused)
+{
+    struct Case {
+        int64_t position;
+        int32_t count;
+        int result;
+    };
+    const Case cases[] = {
+        {0x7FFFFFFF, 1, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {0x7FFFFFFF - 1, 2, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {0x7FFFFFFF, 0x7FFFFFFF, RESULT_ARGUMENT_OUT_OF_RANGE},
+        {1, 0x7FFFFFFF, RESULT_ARGUMENT_OUT_OF_RANGE},
+    };
+    for (const Case& c : cases) {
+        RObject<CMemoryStream> stream(new CMemoryStream());
+        ASSERT_EQ(stream->Seek(c.position, CStream::Begin), 0);
+        std::vector<unsigned char> one(1, 0x5A);
+        EXPECT_EQ(stream->Write(uint8_t(0x5A), c.count), c.result) << c.position << "+" << c.count;
+        if (c.count == 1) {
+            EXPECT_EQ(stream->Write(one.data(), 1), c.result);
+            EXPECT_EQ(stream->WriteByte(0x5A), RESULT_END_OF_STREAM);
+        }
+        EXPECT_EQ(stream->GetCapacity(), 32) << c.position << "+" << c.count;
+        EXPECT_EQ(stream->GetLength(), 0);
+        EXPECT_EQ(stream->GetPosition(), c.position);
+    }
+}

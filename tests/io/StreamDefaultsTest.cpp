@@ -95,6 +95,9 @@ TEST(StreamDefaults, SkipSeekServesOnlyForwardFromCurrent)
         {1000, 1000, 0, CStream::Current, -1, 0, 0, 0},
         {1000, 1000, -5, CStream::Current, -1, 0, 0, 0},
         {1000, 1000, 300, CStream::Current, -1, 300, 300, 1},
+        // Either side of the size a skip can do without a heap buffer.
+        {5000, 5000, 4096, CStream::Current, -1, 4096, 4096, 1},
+        {5000, 5000, 4097, CStream::Current, -1, 4097, 4097, 1},
         // Pieces of at most 65,536 bytes; the result is the last piece's count.
         {200000, 1 << 20, 150000, CStream::Current, -1, 150000 - 131072, 150000, 3},
         // The source hands out less than asked: keep reading.

@@ -6,6 +6,7 @@
 #include <vek/core/Result.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -200,18 +201,9 @@ int CBufferedStream::LoadBlock(CCacheBlock& block, int64_t start)
     block.start = -1;
     block.valid = 0;
     block.dirty = false;
-    int result = SeekInner(start);
-    if (result < 0)
-        return result;
-    int32_t got = 0;
-    while (got < m_blockSize) {
-        result = m_inner->Read(block.bytes + got, m_blockSize - got);
-        if (result < 0)
-            return result;
-        if (result == 0)
-            break;
-        got += result;
-    }
+    const int got = ReadInner(start, block.bytes, m_blockSize);
+    if (got < 0)
+        return got;
     block.start = start;
     block.valid = got;
     // Bytes up to the buffered length that the inner stream does not hold
@@ -231,18 +223,40 @@ int CBufferedStream::TopUp(CCacheBlock& block)
 {
     if (!m_inner->CanSeek())
         return RESULT_BAD_ORDER_ERROR;
-    int result = SeekInner(block.End());
-    if (result < 0)
-        return result;
-    while (block.valid < m_blockSize) {
-        result = m_inner->Read(block.bytes + block.valid, m_blockSize - block.valid);
+    const int got = ReadInner(block.End(), block.bytes + block.valid, m_blockSize - block.valid);
+    if (got < 0)
+        return got;
+    block.valid += got;
+    return 0;
+}
+
+// Reads up to `count` bytes of the inner stream at `position`. A short
+// piece ends the read unless the inner stream says it holds more: a file
+// stream that follows a growing file has already waited for it before
+// answering short, and asking again would wait a second time.
+int CBufferedStream::ReadInner(int64_t position, unsigned char* buffer, int32_t count)
+{
+    const int sought = SeekInner(position);
+    if (sought < 0)
+        return sought;
+    int32_t got = 0;
+    while (got < count) {
+        const int result = m_inner->Read(buffer + got, count - got);
         if (result < 0)
             return result;
         if (result == 0)
             break;
-        block.valid += result;
+        got += result;
+        if (got < count && !InnerHasMore(position + got))
+            break;
     }
-    return 0;
+    return got;
+}
+
+bool CBufferedStream::InnerHasMore(int64_t position)
+{
+    const int64_t available = m_inner->GetAvailableLength();
+    return available < 0 || position < available;
 }
 
 int CBufferedStream::WriteBack(CCacheBlock& block)
@@ -314,6 +328,11 @@ int CBufferedStream::Read(unsigned char* buffer, int32_t count)
     }
     if (!buffer)
         return RESULT_ARGUMENT_NULL;
+    // No byte lies beyond the largest position: stop there rather than let
+    // the position arithmetic overflow.
+    count = int32_t(std::min<int64_t>(count, INT64_MAX - m_position));
+    if (count == 0)
+        return 0;
     const int got = GetBlockCount() == 0 ? PassThroughRead(buffer, count) : ReadCached(buffer, count);
     if (got < 0)
         return got;
@@ -328,6 +347,9 @@ int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
 {
     int32_t got = 0;
     bool direct = true;
+    // Set once the inner stream has come up short in this call: it is not
+    // asked again (a growing file would make each ask wait anew).
+    bool innerEnded = false;
     while (got < count) {
         const int64_t position = m_position + got;
         const int32_t remaining = count - got;
@@ -336,8 +358,13 @@ int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
             if (result < 0)
                 return result;
             got += result;
+            if (result == remaining)
+                continue;
             // Short: the rest may lie in a gap only the cache knows about.
+            if (position + result >= m_length)
+                break;
             direct = false;
+            innerEnded = true;
             continue;
         }
         CCacheBlock* block = nullptr;
@@ -345,11 +372,14 @@ int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
         int result = FindBlock(position, true, block, fresh);
         if (result < 0)
             return result;
-        int64_t offset = position - block->start;
-        if (offset >= block->valid && !fresh) {
+        const int64_t offset = position - block->start;
+        if (fresh) {
+            innerEnded = innerEnded || block->valid < m_blockSize;
+        } else if (offset >= block->valid && !innerEnded) {
             // Past what the block knows: the inner stream may have grown.
             if ((result = TopUp(*block)) < 0)
                 return result;
+            innerEnded = block->valid < m_blockSize;
         }
         if (offset >= block->valid)
             break;
@@ -362,19 +392,8 @@ int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
 
 int CBufferedStream::ReadDirect(int64_t position, unsigned char* buffer, int32_t count)
 {
-    int result = WriteBackOverlapping(position, position + count);
-    if (result < 0 || (result = SeekInner(position)) < 0)
-        return result;
-    int32_t got = 0;
-    while (got < count) {
-        result = m_inner->Read(buffer + got, count - got);
-        if (result < 0)
-            return result;
-        if (result == 0)
-            break;
-        got += result;
-    }
-    return got;
+    const int result = WriteBackOverlapping(position, position + count);
+    return result < 0 ? result : ReadInner(position, buffer, count);
 }
 
 int CBufferedStream::PassThroughRead(unsigned char* buffer, int32_t count)
@@ -401,6 +420,8 @@ int CBufferedStream::Write(const unsigned char* buffer, int32_t count)
         return 0;
     if (!buffer)
         return RESULT_ARGUMENT_NULL;
+    if (count > INT64_MAX - m_position)
+        return RESULT_ARGUMENT_OUT_OF_RANGE;
     const int put = GetBlockCount() == 0 ? PassThroughWrite(buffer, count) : WriteCached(buffer, count);
     if (put < 0)
         return put;

@@ -13,6 +13,13 @@
 // back any dirty block they overlap), so large sequential reads cost one
 // inner read each and small ones one inner read per block.
 //
+// A short answer from the inner stream ends the inner read unless the
+// stream's available length says more is there (or is unknown), and a
+// Read that has met the inner stream's end does not top blocks up from it
+// again: a file stream that follows a growing file then waits once per
+// Read, not once per block (a Read into a gap left by pending writes may
+// still meet it twice).
+//
 // Bytes between the inner stream's end and the buffered length (a gap
 // left by a write beyond the end that is not written back yet) read as 0.
 #include <vek/core/RObject.h>
@@ -52,7 +59,8 @@ public:
     // Moves the position only; -19003 for a target below 0. An unknown
     // origin reports the position.
     int Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition = nullptr) override;
-    // -19010 without an inner stream, -19006 when it cannot be written.
+    // -19010 without an inner stream, -19006 when it cannot be written,
+    // -19003 when the bytes would run past the largest 64-bit position.
     int Write(const unsigned char* buffer, int32_t count) override;
     // Writes back every dirty block, last to first, then flushes the inner
     // stream. A no-op when the inner stream cannot be written.
@@ -82,6 +90,8 @@ private:
     CCacheBlock* BlockAt(int32_t index) const;
     int LoadBlock(CCacheBlock& block, int64_t start);
     int TopUp(CCacheBlock& block);
+    int ReadInner(int64_t position, unsigned char* buffer, int32_t count);
+    bool InnerHasMore(int64_t position);
     int WriteBack(CCacheBlock& block);
     int WriteBackOverlapping(int64_t start, int64_t end);
     // Every block from the last to the first, stopping at the first failure.

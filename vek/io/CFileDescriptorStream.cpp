@@ -6,6 +6,8 @@
 #include <vek/platform/FileDescriptor.h>
 #include <vek/platform/System.h>
 
+#include <cstdint>
+
 namespace Quorvex::Vek {
 
 namespace {
@@ -91,8 +93,9 @@ int CFileDescriptorStream::Open(CString* path)
 {
     if (!path)
         return RESULT_ARGUMENT_NULL;
-    path->Acquire();
-    m_path = path;
+    // Shared, not adopted: reopening with the path already held must not
+    // leave an extra reference behind.
+    m_path = RObject<CString>::FromObject(path);
     Platform::FileOpenMode openMode;
     if (!ToOpenMode(m_mode, openMode)) {
         Log(LogLevel::Error, "CFileDescriptorStream::Open: unsupported file mode %d\n", int(m_mode));
@@ -231,11 +234,12 @@ int CFileDescriptorStream::Write(const unsigned char* buffer, int32_t count)
         }
         return RESULT_IO_ERROR;
     }
-    // The Windows runtime answers this with its 32-bit position call, so the
-    // cached length follows writes only below 2 GiB there; POSIX gives the
-    // 64-bit position.
-    const int64_t position = Platform::FileTellAfterWrite(m_descriptor);
-    if (position > m_length)
+    // The position after a write is taken as a 32-bit value, as the
+    // runtime's 32-bit position call gives it, so the cached length follows
+    // writes only below 2 GiB; Open and reads that see the file grow still
+    // learn the full 64-bit length.
+    const int64_t position = Platform::FileTell(m_descriptor);
+    if (position <= INT32_MAX && position > m_length)
         m_length = position;
     return count;
 }

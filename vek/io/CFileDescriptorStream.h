@@ -34,8 +34,8 @@ public:
     bool CanRead() override;
     bool CanSeek() override { return true; }
     bool CanWrite() override;
-    // The length cached at Open and kept up by writes and by reads that
-    // saw the file grow.
+    // The length cached at Open and kept up by writes (below 2 GiB only)
+    // and by reads that saw the file grow.
     int64_t GetLength() override { return m_length; }
     // Measures the file now.
     int64_t GetAvailableLength() override;

@@ -90,13 +90,6 @@ CByteArray* CMemoryStream::ToByteArray() const
     return new (std::nothrow) CByteArray(m_data, m_data ? m_length : 0);
 }
 
-int CMemoryStream::Read(CByteArray* buffer)
-{
-    if (!buffer)
-        return RESULT_ARGUMENT_NULL;
-    return Read(buffer->GetData(), buffer->GetLength());
-}
-
 int CMemoryStream::Read(unsigned char* buffer, int32_t count)
 {
     if (!m_data || m_position < 0)

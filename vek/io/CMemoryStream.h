@@ -42,9 +42,8 @@ public:
     int SetLength(int64_t length) override;
     int64_t GetPosition() override { return m_position; }
 
-    // -19010 without a buffer; reading at or past the end returns 0. Both
-    // reads advance the position by the count they return.
-    int Read(CByteArray* buffer) override;
+    // -19010 without a buffer; reading at or past the end returns 0. The
+    // array form (inherited) reads through this one.
     int Read(unsigned char* buffer, int32_t count) override;
     int32_t ReadByte() override;
     // Targets below 0 or above 2,147,483,647 give -19003 and change nothing;

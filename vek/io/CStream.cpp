@@ -13,6 +13,7 @@ namespace Quorvex::Vek {
 namespace {
 
 constexpr int32_t kSkipPieceSize = 65536;
+constexpr int32_t kSmallSkipSize = 4096;
 
 } // namespace
 
@@ -83,15 +84,23 @@ int CStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition)
         return RESULT_NOT_IMPLEMENTED;
     int result = 0;
     if (offset > 0) {
-        std::unique_ptr<unsigned char[]> scratch(new (std::nothrow) unsigned char[kSkipPieceSize]);
-        if (!scratch) {
-            Log(LogLevel::Error, "CStream::Seek: RESULT_OUT_OF_MEMORY\n");
-            return RESULT_OUT_OF_MEMORY;
+        // Short skips (padding, small chunks) are the common case: they use
+        // the stack, and only long ones take a heap buffer of a full piece.
+        unsigned char small[kSmallSkipSize];
+        std::unique_ptr<unsigned char[]> large;
+        unsigned char* scratch = small;
+        if (offset > kSmallSkipSize) {
+            large.reset(new (std::nothrow) unsigned char[kSkipPieceSize]);
+            if (!large) {
+                Log(LogLevel::Error, "CStream::Seek: RESULT_OUT_OF_MEMORY\n");
+                return RESULT_OUT_OF_MEMORY;
+            }
+            scratch = large.get();
         }
         int64_t remaining = offset;
         while (remaining > 0) {
             const int32_t piece = int32_t(std::min<int64_t>(remaining, kSkipPieceSize));
-            result = Read(scratch.get(), piece);
+            result = Read(scratch, piece);
             if (result < 0)
                 return result;
             if (result == 0)

@@ -10,7 +10,7 @@ namespace Quorvex::Vek::Platform {
 
 enum class FileErrorKind {
     None,
-    NoEntry,      // ENOENT
+    NoEntry,      // ENOENT, ENOTDIR
     AccessDenied, // EACCES
     Exists,       // EEXIST
     IsDirectory,  // EISDIR
@@ -26,8 +26,12 @@ struct FileError {
     int number = 0;
 };
 
+// The kind of a C runtime error number (errno), matched by symbolic name.
+FileError FileErrorFromNumber(int number);
+
 // How a file is opened. Every mode is binary; created files get read and
-// write permission for the owner only.
+// write permission for the owner only; descriptors are not inherited by
+// child processes.
 enum class FileOpenMode {
     Read,            // read-only
     Write,           // write-only, create, truncate
@@ -56,11 +60,6 @@ int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileErro
 
 // The current position (64-bit), or -1.
 int64_t FileTell(int descriptor);
-
-// The position as the C runtime reports it right after a write. Windows
-// uses the 32-bit _tell, so a value past 2 GiB comes back as -1 there; the
-// POSIX build answers with the 64-bit position.
-int64_t FileTellAfterWrite(int descriptor);
 
 // Commits written data to the disk; false on failure.
 bool FileCommit(int descriptor, FileError& error);

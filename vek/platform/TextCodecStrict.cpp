@@ -150,7 +150,10 @@ bool StrictIsWellFormedUtf8(const char* text, int32_t length)
         }
         const Decoded d = DecodeUtf8(bytes + at, length - at);
         // U+FFFD itself is three bytes EF BF BD; a substitution never is.
-        if (d.value == kReplacement && !(bytes[at] == 0xEF && bytes[at + 1] == 0xBF && bytes[at + 2] == 0xBD))
+        // Only look at bytes that are there: the text need not be terminated.
+        const bool encodedReplacement = length - at >= 3 && bytes[at] == 0xEF &&
+                                        bytes[at + 1] == 0xBF && bytes[at + 2] == 0xBD;
+        if (d.value == kReplacement && !encodedReplacement)
             return false;
         at += d.size;
     }

@@ -15,7 +15,7 @@ int CaptureBacktrace(void** frames, int capacity, int skip)
         return 0;
     void* raw[128];
     int total = backtrace(raw, 128);
-    int first = skip + 1;
+    const int first = (skip > 0 ? skip : 0) + 1; // a negative skip must not index before raw
     int count = 0;
     for (int i = first; i < total && count < capacity; ++i)
         frames[count++] = raw[i];

@@ -12,23 +12,6 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "the file layer needs 64-bit file offsets");
 
-FileError MakeError(int number)
-{
-    FileError error;
-    error.number = number;
-    switch (number) {
-    case ENOENT: error.kind = FileErrorKind::NoEntry; break;
-    case EACCES: error.kind = FileErrorKind::AccessDenied; break;
-    case EEXIST: error.kind = FileErrorKind::Exists; break;
-    case EISDIR: error.kind = FileErrorKind::IsDirectory; break;
-    case ENOSPC: error.kind = FileErrorKind::NoSpace; break;
-    case ENAMETOOLONG: error.kind = FileErrorKind::NameTooLong; break;
-    case ENOMEM: error.kind = FileErrorKind::NoMemory; break;
-    default: error.kind = FileErrorKind::Other; break;
-    }
-    return error;
-}
-
 int OpenFlags(FileOpenMode mode)
 {
     switch (mode) {
@@ -60,7 +43,7 @@ int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
         descriptor = ::open(utf8Path, OpenFlags(mode) | O_CLOEXEC, S_IRUSR | S_IWUSR);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return kInvalidFileDescriptor;
     }
     // POSIX lets a directory be opened read-only; the Windows runtime does
@@ -68,7 +51,7 @@ int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
     struct stat info {};
     if (::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode)) {
         ::close(descriptor);
-        error = MakeError(EISDIR);
+        error = FileErrorFromNumber(EISDIR);
         return kInvalidFileDescriptor;
     }
     return descriptor;
@@ -81,7 +64,7 @@ int32_t FileRead(int descriptor, void* buffer, int32_t count, FileError& error)
         got = ::read(descriptor, buffer, size_t(count));
     while (got < 0 && errno == EINTR);
     if (got < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return -1;
     }
     return int32_t(got);
@@ -98,11 +81,11 @@ int32_t FileWrite(int descriptor, const void* buffer, int32_t count, FileError& 
         if (put < 0) {
             if (errno == EINTR)
                 continue;
-            error = MakeError(errno);
+            error = FileErrorFromNumber(errno);
             return -1;
         }
         if (put == 0) {
-            error = MakeError(ENOSPC);
+            error = FileErrorFromNumber(ENOSPC);
             return -1;
         }
         done += int32_t(put);
@@ -114,7 +97,7 @@ int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileErro
 {
     const off_t position = ::lseek(descriptor, off_t(offset), Whence(origin));
     if (position < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return -1;
     }
     return int64_t(position);
@@ -125,11 +108,6 @@ int64_t FileTell(int descriptor)
     return int64_t(::lseek(descriptor, 0, SEEK_CUR));
 }
 
-int64_t FileTellAfterWrite(int descriptor)
-{
-    return FileTell(descriptor);
-}
-
 bool FileCommit(int descriptor, FileError& error)
 {
     if (::fsync(descriptor) == 0)
@@ -137,7 +115,7 @@ bool FileCommit(int descriptor, FileError& error)
     // Character devices and pipes cannot be synchronised; nothing is lost.
     if (errno == EINVAL || errno == EROFS)
         return true;
-    error = MakeError(errno);
+    error = FileErrorFromNumber(errno);
     return false;
 }
 

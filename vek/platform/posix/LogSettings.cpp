@@ -1,20 +1,21 @@
 #include <vek/platform/LogSettings.h>
 
 #include <cstdlib>
+#include <cstring>
 
 namespace Quorvex::Vek::Platform {
 
 namespace {
 
-// Settings are at most 256 bytes, as registry strings are read.
+// Settings are read as registry strings are on Windows: into 256 bytes,
+// terminator included. A longer value does not fit and counts as absent
+// (cutting it short could name a different log file).
 bool ReadVariable(const char* name, std::string& value)
 {
     const char* text = std::getenv(name);
-    if (!text)
+    if (!text || std::strlen(text) >= 256)
         return false;
     value.assign(text);
-    if (value.size() > 256)
-        value.resize(256);
     return true;
 }
 

@@ -89,7 +89,8 @@ int CaptureBacktrace(void** frames, int capacity, int skip)
 {
     if (capacity <= 0)
         return 0;
-    return int(CaptureStackBackTrace(DWORD(skip + 1), DWORD(capacity > 62 ? 62 : capacity), frames, nullptr));
+    const DWORD first = DWORD(skip > 0 ? skip : 0) + 1;
+    return int(CaptureStackBackTrace(first, DWORD(capacity > 62 ? 62 : capacity), frames, nullptr));
 }
 
 std::string Demangle(const char* symbol)

@@ -13,33 +13,19 @@ namespace Quorvex::Vek::Platform {
 
 namespace {
 
-FileError MakeError(int number)
-{
-    FileError error;
-    error.number = number;
-    switch (number) {
-    case ENOENT: error.kind = FileErrorKind::NoEntry; break;
-    case EACCES: error.kind = FileErrorKind::AccessDenied; break;
-    case EEXIST: error.kind = FileErrorKind::Exists; break;
-    case EISDIR: error.kind = FileErrorKind::IsDirectory; break;
-    case ENOSPC: error.kind = FileErrorKind::NoSpace; break;
-    case ENAMETOOLONG: error.kind = FileErrorKind::NameTooLong; break;
-    case ENOMEM: error.kind = FileErrorKind::NoMemory; break;
-    default: error.kind = FileErrorKind::Other; break;
-    }
-    return error;
-}
-
+// Not inherited by child processes, like the POSIX build's O_CLOEXEC: a
+// host that starts programs must not hand them the library's open files.
 int OpenFlags(FileOpenMode mode)
 {
+    constexpr int common = _O_BINARY | _O_NOINHERIT;
     switch (mode) {
-    case FileOpenMode::Read: return _O_BINARY | _O_RDONLY;
-    case FileOpenMode::Write: return _O_BINARY | _O_WRONLY | _O_CREAT | _O_TRUNC;
-    case FileOpenMode::ReadWrite: return _O_BINARY | _O_RDWR | _O_CREAT | _O_TRUNC;
-    case FileOpenMode::Append: return _O_BINARY | _O_WRONLY | _O_CREAT | _O_APPEND;
-    case FileOpenMode::AppendReadWrite: return _O_BINARY | _O_RDWR | _O_CREAT | _O_APPEND;
+    case FileOpenMode::Read: return common | _O_RDONLY;
+    case FileOpenMode::Write: return common | _O_WRONLY | _O_CREAT | _O_TRUNC;
+    case FileOpenMode::ReadWrite: return common | _O_RDWR | _O_CREAT | _O_TRUNC;
+    case FileOpenMode::Append: return common | _O_WRONLY | _O_CREAT | _O_APPEND;
+    case FileOpenMode::AppendReadWrite: return common | _O_RDWR | _O_CREAT | _O_APPEND;
     }
-    return _O_BINARY | _O_RDONLY;
+    return common | _O_RDONLY;
 }
 
 std::vector<wchar_t> Widen(const char* utf8)
@@ -64,7 +50,7 @@ int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
 {
     std::vector<wchar_t> path = Widen(utf8Path);
     if (path.empty()) {
-        error = MakeError(ENOENT);
+        error = FileErrorFromNumber(ENOENT);
         return kInvalidFileDescriptor;
     }
     const int descriptor = _wopen(path.data(), OpenFlags(mode), _S_IREAD | _S_IWRITE);
@@ -73,10 +59,10 @@ int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
     const int number = errno;
     // The runtime reports a directory as access denied; name it as POSIX does.
     if (number == EACCES && IsDirectory(path.data())) {
-        error = MakeError(EISDIR);
+        error = FileErrorFromNumber(EISDIR);
         return kInvalidFileDescriptor;
     }
-    error = MakeError(number);
+    error = FileErrorFromNumber(number);
     return kInvalidFileDescriptor;
 }
 
@@ -84,7 +70,7 @@ int32_t FileRead(int descriptor, void* buffer, int32_t count, FileError& error)
 {
     const int got = _read(descriptor, buffer, unsigned(count));
     if (got < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return -1;
     }
     return int32_t(got);
@@ -94,11 +80,11 @@ int32_t FileWrite(int descriptor, const void* buffer, int32_t count, FileError& 
 {
     const int put = _write(descriptor, buffer, unsigned(count));
     if (put < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return -1;
     }
     if (put < count) {
-        error = MakeError(ENOSPC);
+        error = FileErrorFromNumber(ENOSPC);
         return -1;
     }
     return int32_t(put);
@@ -108,7 +94,7 @@ int64_t FileSeek(int descriptor, int64_t offset, FileSeekOrigin origin, FileErro
 {
     const int64_t position = _lseeki64(descriptor, offset, int(origin));
     if (position < 0) {
-        error = MakeError(errno);
+        error = FileErrorFromNumber(errno);
         return -1;
     }
     return position;
@@ -119,16 +105,11 @@ int64_t FileTell(int descriptor)
     return _telli64(descriptor);
 }
 
-int64_t FileTellAfterWrite(int descriptor)
-{
-    return int64_t(_tell(descriptor));
-}
-
 bool FileCommit(int descriptor, FileError& error)
 {
     if (_commit(descriptor) == 0)
         return true;
-    error = MakeError(errno);
+    error = FileErrorFromNumber(errno);
     return false;
 }
 
