@@ -1,5 +1,6 @@
 #include <vek/core/CByteArray.h>
 
+#include <vek/core/CList.h>
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 
@@ -107,12 +108,48 @@ int CByteArray::SetData(CByteArray* source, int32_t offset)
     }
     if (source == this)
         return RESULT_OK; // the range check left only offset 0: nothing changes
+    if (source->IsViewOf(this)) {
+        Log(LogLevel::Error, "CByteArray::SetData: the source is a view of this array\n");
+        return RESULT_ARGUMENT_OUT_OF_RANGE;
+    }
     unsigned char* data = source->GetData();
     if (source->m_length > 0 && !data)
         return RESULT_OUT_OF_MEMORY;
-    // Any owned buffer stays until destruction: earlier views may point into it.
+    // Any owned buffer stays until destruction: earlier views may point into
+    // it. Those views hold this array, not its owner, so the owner stays too
+    // unless nobody but the caller's one reference can see this array.
+    if (m_owner && m_owner.Get() != source && GetReferenceCount() > 1) {
+        if (const int result = KeepOwnerUntilDestruction(); result < 0)
+            return result;
+    }
     m_owner = RObject<CObject>::FromObject(source);
     m_data = data ? data + offset : nullptr;
+    return RESULT_OK;
+}
+
+// True when this array reaches `array` through its chain of owners.
+bool CByteArray::IsViewOf(const CByteArray* array) const
+{
+    for (const CObject* owner = m_owner.Get(); owner;) {
+        if (owner == array)
+            return true;
+        const auto* next = dynamic_cast<const CByteArray*>(owner);
+        if (!next)
+            return false;
+        owner = next->m_owner.Get();
+    }
+    return false;
+}
+
+int CByteArray::KeepOwnerUntilDestruction()
+{
+    if (!m_formerOwners)
+        m_formerOwners = CList<CObject>::Create();
+    auto* owners = static_cast<CList<CObject>*>(m_formerOwners.Get());
+    if (!owners || owners->Add(m_owner.Get()) < 0) {
+        Log(LogLevel::Error, "CByteArray::SetData: no memory to keep the earlier owner\n");
+        return RESULT_OUT_OF_MEMORY;
+    }
     return RESULT_OK;
 }
 
