@@ -101,6 +101,33 @@ TEST(CString, EqualityForms)
     EXPECT_TRUE(nul->Equals(Str(new CString(withNul, 3))));
 }
 
+TEST(CString, EqualityWithMeasuredText)
+{
+    Str key = Make("key");
+    struct Case {
+        const char* text;
+        const WChar* wide;
+        int32_t length;
+        bool equal;
+    };
+    const Case cases[] = {
+        {"key", VEK_W("key"), 3, true},
+        {"keys", VEK_W("keys"), 3, true}, // only `length` units take part
+        {"keys", VEK_W("keys"), 4, false},
+        {"key", VEK_W("key"), 2, false},
+        {"kex", VEK_W("kex"), 3, false},
+        {"key", VEK_W("key"), -1, false},
+        {nullptr, nullptr, 0, false},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(key->Equals(c.text, c.length), c.equal) << (c.text ? c.text : "null") << " " << c.length;
+        EXPECT_EQ(key->Equals(c.wide, c.length), c.equal) << (c.text ? c.text : "null") << " " << c.length;
+    }
+    Str empty(new CString());
+    EXPECT_TRUE(empty->Equals("", 0));
+    EXPECT_TRUE(empty->Equals(VEK_W("x"), 0));
+}
+
 TEST(CString, StartsAndEndsWith)
 {
     Str s = Make("Hello World");

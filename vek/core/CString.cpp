@@ -476,16 +476,25 @@ bool CString::Equals(CString* a, CString* b)
 
 bool CString::Equals(const char* other)
 {
-    if (!other)
+    return Equals(other, NarrowLength(other));
+}
+
+bool CString::Equals(const char* other, int32_t length)
+{
+    if (!other || length < 0)
         return false;
     const char* chars = GetChars();
-    const int32_t length = GetCharsLength();
-    return NarrowLength(other) == length && std::memcmp(chars, other, std::size_t(length)) == 0;
+    return length == GetCharsLength() && std::memcmp(chars, other, std::size_t(length)) == 0;
 }
 
 bool CString::Equals(const WChar* other)
 {
-    return other && WideLength(other) == m_length && SameUnits(GetWChars(), other, m_length, false);
+    return Equals(other, WideLength(other));
+}
+
+bool CString::Equals(const WChar* other, int32_t length)
+{
+    return other && length == m_length && SameUnits(GetWChars(), other, m_length, false);
 }
 
 bool CString::EqualsIgnoreCase(CString* other)
