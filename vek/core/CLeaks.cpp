@@ -73,12 +73,15 @@ private:
     void Insert(const Entry& entry);
     bool Grow();
     uint32_t HomeSlot(const CObject* object) const;
+    bool Wanted(const CObject* object) const;
     void WriteReport();
     void AddLineToScratch(const char* format, ...) VEK_PRINTF(2, 3);
     std::string Label() const;
 
     CLock m_lock;
-    uint32_t m_typeFilter = 0;
+    // Atomic: AddObject reads it before taking the lock, while another
+    // thread's Mark may be replacing it.
+    std::atomic<uint32_t> m_typeFilter{0};
     std::vector<Entry> m_table;
     int32_t m_capacityStep = 0;
     int32_t m_live = 0;
@@ -109,7 +112,7 @@ void CLeaksTable::Begin(int32_t mode, uint32_t type)
     m_total = 0;
     m_peak = 0;
     m_probeSum = 0;
-    m_typeFilter = type;
+    m_typeFilter.store(type, std::memory_order_relaxed);
     CLeaks::s_mode.exchange(mode);
     m_lock.Exit();
 }
@@ -117,6 +120,12 @@ void CLeaksTable::Begin(int32_t mode, uint32_t type)
 uint32_t CLeaksTable::HomeSlot(const CObject* object) const
 {
     return uint32_t(reinterpret_cast<uintptr_t>(object) % m_table.size());
+}
+
+bool CLeaksTable::Wanted(const CObject* object) const
+{
+    const uint32_t filter = m_typeFilter.load(std::memory_order_relaxed);
+    return filter == 0 || object->GetType() == filter;
 }
 
 void CLeaksTable::Insert(const Entry& entry)
@@ -147,7 +156,7 @@ void CLeaksTable::AddObject(const CObject* object)
 {
     if (!object || CLeaks::s_mode.load() == CLeaks::Off)
         return;
-    if (m_typeFilter != 0 && object->GetType() != m_typeFilter)
+    if (!Wanted(object))
         return;
     Backtrace* creation = nullptr;
     if (CLeaks::s_mode.load() >= CLeaks::Stack) {
@@ -156,7 +165,8 @@ void CLeaksTable::AddObject(const CObject* object)
             creation->count = Platform::CaptureBacktrace(creation->frames, kMaxFrames, kTrackerFrames);
     }
     m_lock.Enter();
-    if (CLeaks::s_mode.load() == CLeaks::Off) {
+    // Checked again: a Mark may have stopped tracking or changed the filter.
+    if (CLeaks::s_mode.load() == CLeaks::Off || !Wanted(object)) {
         m_lock.Exit();
         std::free(creation);
         return;
@@ -204,7 +214,7 @@ void CLeaksTable::RemoveObject(const CObject* object)
         }
         slot = (slot + 1) % size;
     }
-    const bool filteredOut = m_typeFilter != 0 && object->GetType() != m_typeFilter;
+    const bool filteredOut = !Wanted(object);
     m_lock.Exit();
     if (!filteredOut)
         Log(LogLevel::Detail, "CLeaks::RemoveObject: CObject not tracked\n");
