@@ -72,7 +72,17 @@ TEST(CString, CompareIsCaseInsensitiveAndNullAware)
         const int32_t r = CString::Compare(Make(c.a), Make(c.b));
         EXPECT_EQ((r > 0) - (r < 0), c.sign) << c.a << " vs " << c.b;
     }
-    EXPECT_EQ(CString::Compare(Make("abc"), Make("ABD")), 'c' - 'd');
+    // The result is the difference itself; a unit past the end reads as 0.
+    struct Exact {
+        const char* a;
+        const char* b;
+        int32_t result;
+    };
+    const Exact exact[] = {
+        {"abc", "ABD", 'c' - 'd'}, {"abc", "ab", 'c'}, {"ab", "abc", -'c'}, {"A", "", 'a'}, {"", "Z", -'z'},
+    };
+    for (const Exact& c : exact)
+        EXPECT_EQ(CString::Compare(Make(c.a), Make(c.b)), c.result) << c.a << " vs " << c.b;
     EXPECT_EQ(CString::Compare(Make("a"), nullptr), 1);
     EXPECT_LT(CString::Compare(nullptr, Make("a")), 0);
     EXPECT_EQ(CString::Compare(nullptr, nullptr), 0);
