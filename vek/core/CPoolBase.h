@@ -7,9 +7,8 @@
 // object comes back through its ReclaimCleanUp into the free list; once the
 // free list holds `maxFree` objects, returning ones are destroyed instead.
 // The pool stays alive while any of its objects is out.
-#include <vector>
-
 #include <vek/core/CPoolObject.h>
+#include <vek/core/CollectionStorage.h>
 
 namespace Quorvex::Vek {
 
@@ -39,7 +38,9 @@ private:
     // unless the free list is full.
     void Return(CPoolObject* object);
 
-    std::vector<CPoolObject*> m_free;
+    // Grows on demand and never throws: `maxFree` is only a bound, and a
+    // failed growth just lets the returning object be destroyed.
+    Detail::GrowBuffer<CPoolObject*> m_free;
     int32_t m_maxFree;
     int64_t m_created = 0;
 };
