@@ -1,6 +1,7 @@
 #include <vek/core/CByteArray.h>
 
 #include <vek/core/CList.h>
+#include <vek/core/CharClass.h>
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 
@@ -8,21 +9,6 @@
 #include <new>
 
 namespace Quorvex::Vek {
-
-namespace {
-
-int HexDigit(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
-} // namespace
 
 CByteArray::CByteArray(int32_t length) : CObject(Type), m_length(length < 0 ? 0 : length) {}
 
@@ -208,7 +194,7 @@ int CByteArray::FromHexString(const char* text, CByteArray*& out)
         text += 2;
     std::size_t digits = 0;
     for (; text[digits]; ++digits) {
-        if (HexDigit(text[digits]) < 0) {
+        if (CharClass::HexDigitValue(CharClass::Widen(text[digits])) < 0) {
             Log(LogLevel::Error, "CByteArray::FromHexString: no hexadecimal digit at position %lld\n", (long long)digits);
             return RESULT_FORMAT_ERROR;
         }
@@ -228,7 +214,7 @@ int CByteArray::FromHexString(const char* text, CByteArray*& out)
     const std::size_t padding = digits % 2;
     for (std::size_t i = 0; i < digits; ++i) {
         const std::size_t digit = padding + i;
-        const int value = HexDigit(text[i]);
+        const int value = CharClass::HexDigitValue(CharClass::Widen(text[i]));
         data[digit / 2] |= (unsigned char)(digit % 2 == 0 ? value << 4 : value);
     }
     out = bytes;
