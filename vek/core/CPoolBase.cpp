@@ -23,8 +23,7 @@ CPoolObject* CPoolBase::Get()
         object = CreateObject();
         if (!object)
             return nullptr;
-        CAutoLock guard(this);
-        ++m_created;
+        m_created.fetch_add(1, std::memory_order_relaxed);
     }
     object->Pool(this);
     return object;
