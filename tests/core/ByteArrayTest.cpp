@@ -129,10 +129,17 @@ TEST(CByteArray, RepointingKeepsEarlierViewsValid)
     view->Release();
     window->Release();
 
-    // Alone, a window moved along one source keeps nothing extra alive.
+    // Without views, a window moved from source to source keeps nothing
+    // extra alive, however many hold the window itself.
     Bytes lone(new CByteArray(2));
+    Bytes alsoHeld = lone;
     Bytes a = FromText("ab"), b = FromText("cd");
     ASSERT_EQ(lone->SetData(a, 0), 0);
+    {
+        CByteArray* shortLived = nullptr;
+        ASSERT_EQ(lone->GetData(0, 1, &shortLived), 0);
+        shortLived->Release();
+    }
     ASSERT_EQ(lone->SetData(b, 0), 0);
     EXPECT_EQ(a->GetReferenceCount(), 1);
     EXPECT_EQ(b->GetReferenceCount(), 2);

@@ -21,13 +21,27 @@ CByteArray::CByteArray(const unsigned char* src, int32_t length) : CObject(Type)
 }
 
 CByteArray::CByteArray(int32_t length, unsigned char* data, CObject* owner)
-    : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data), m_owner(RObject<CObject>::FromObject(owner))
+    : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data)
 {
+    SetOwner(owner);
 }
 
 CByteArray::~CByteArray()
 {
+    if (m_ownerArray)
+        m_ownerArray->m_views.fetch_sub(1, std::memory_order_relaxed);
     delete[] m_owned;
+}
+
+void CByteArray::SetOwner(CObject* owner)
+{
+    CByteArray* array = dynamic_cast<CByteArray*>(owner);
+    if (array)
+        array->m_views.fetch_add(1, std::memory_order_relaxed);
+    if (m_ownerArray)
+        m_ownerArray->m_views.fetch_sub(1, std::memory_order_relaxed);
+    m_ownerArray = array;
+    m_owner = RObject<CObject>::FromObject(owner);
 }
 
 bool CByteArray::AllocateInternalBuffer()
@@ -102,13 +116,13 @@ int CByteArray::SetData(CByteArray* source, int32_t offset)
     if (source->m_length > 0 && !data)
         return RESULT_OUT_OF_MEMORY;
     // Any owned buffer stays until destruction: earlier views may point into
-    // it. Those views hold this array, not its owner, so the owner stays too
-    // unless nobody but the caller's one reference can see this array.
-    if (m_owner && m_owner.Get() != source && GetReferenceCount() > 1) {
+    // it. Those views hold this array, not its owner, so while any is alive
+    // the owner stays too.
+    if (m_owner && m_owner.Get() != source && m_views.load(std::memory_order_relaxed) > 0) {
         if (const int result = KeepOwnerUntilDestruction(); result < 0)
             return result;
     }
-    m_owner = RObject<CObject>::FromObject(source);
+    SetOwner(source);
     m_data = data ? data + offset : nullptr;
     return RESULT_OK;
 }
@@ -116,13 +130,9 @@ int CByteArray::SetData(CByteArray* source, int32_t offset)
 // True when this array reaches `array` through its chain of owners.
 bool CByteArray::IsViewOf(const CByteArray* array) const
 {
-    for (const CObject* owner = m_owner.Get(); owner;) {
+    for (const CByteArray* owner = m_ownerArray; owner; owner = owner->m_ownerArray) {
         if (owner == array)
             return true;
-        const auto* next = dynamic_cast<const CByteArray*>(owner);
-        if (!next)
-            return false;
-        owner = next->m_owner.Get();
     }
     return false;
 }

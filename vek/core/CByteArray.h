@@ -36,9 +36,9 @@ public:
     int GetData(int32_t offset, int32_t length, CByteArray** out);
     // Makes this array a view of its own length into source at offset.
     // -19003 when `source` is itself a view of this array: each would keep
-    // the other alive for ever. Views made from this array earlier stay
-    // valid: while anyone else holds this array, the memory it pointed at
-    // is kept until this array is destroyed.
+    // the other alive for ever. Views of this array made earlier stay
+    // valid: while any is alive, the memory it pointed at is kept until this
+    // array is destroyed.
     int SetData(CByteArray* source, int32_t offset);
 
     void Clear();
@@ -60,6 +60,7 @@ protected:
 
 private:
     bool AllocateInternalBuffer();
+    void SetOwner(CObject* owner);
     bool IsViewOf(const CByteArray* array) const;
     int KeepOwnerUntilDestruction();
 
@@ -67,6 +68,10 @@ private:
     unsigned char* m_owned = nullptr;
     unsigned char* m_data = nullptr;
     RObject<CObject> m_owner;
+    // The owner when it is a byte array, which then counts this array among
+    // its views.
+    CByteArray* m_ownerArray = nullptr;
+    std::atomic<int32_t> m_views{0};
     // Earlier owners that views of this array may still point into.
     RObject<CObject> m_formerOwners;
 };
