@@ -288,6 +288,11 @@ TEST_F(BagTest, ValueTexts)
     for (const Case& c : cases)
         EXPECT_EQ(Text(bag.GetPropertyValue(c.key)), c.text) << c.key;
 
+    // The text stops at the first zero byte; nothing after it is kept.
+    RObject<CString> name(bag.GetPropertyValue("name"));
+    ASSERT_TRUE(name);
+    EXPECT_EQ(name->GetLength(), 3);
+
     Put(bag, "flag", Bytes({0}));
     EXPECT_EQ(Text(bag.GetPropertyValue("flag")), "false");
     Put(bag, "long", Bytes({0x04, 0x03, 0x02, 0x01}));
