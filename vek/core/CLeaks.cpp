@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -142,10 +143,16 @@ bool CLeaksTable::Grow()
 {
     if (m_capacityStep + 1 >= kCapacityCount)
         return false;
-    std::vector<Entry> old;
-    old.swap(m_table);
+    // Nothing may throw out of an object's constructor: without memory for
+    // the larger table the old one stays, fuller than planned.
+    std::vector<Entry> old = std::move(m_table);
+    try {
+        m_table.assign(kCapacities[m_capacityStep + 1], Entry{});
+    } catch (const std::bad_alloc&) {
+        m_table = std::move(old);
+        return false;
+    }
     ++m_capacityStep;
-    m_table.assign(kCapacities[m_capacityStep], Entry{});
     for (const Entry& entry : old)
         if (entry.object)
             Insert(entry);
@@ -309,7 +316,11 @@ int32_t CLeaksTable::End(int32_t /*mode*/)
     m_lock.Enter();
     const int32_t live = m_live;
     if (live > 0) {
-        WriteReport();
+        try {
+            WriteReport();
+        } catch (const std::bad_alloc&) {
+            Log(LogLevel::Error, "CLeaks::ShowLeaksSinceMark: %ld leaks; no memory for the report\n", long(live));
+        }
     } else {
         m_scratch.clear();
         AddLineToScratch("\nNo leaks detected after tracking %llu objects (%ld simultaneous object peak).\n",
