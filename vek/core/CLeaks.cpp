@@ -66,7 +66,13 @@ public:
     void AddObject(const CObject* object);
     void RemoveObject(const CObject* object);
     int32_t End(int32_t mode);
-    void SetCallback(char* (*callback)(void)) { m_callback = callback; }
+    void SetCallback(char* (*callback)(void))
+    {
+        // Under the lock: a report being written on another thread reads it.
+        m_lock.Enter();
+        m_callback = callback;
+        m_lock.Exit();
+    }
     const char* LastReport() const { return m_lastReport.c_str(); }
 
 private:
