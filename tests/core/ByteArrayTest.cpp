@@ -113,6 +113,54 @@ TEST(CByteArray, SetDataMakesAViewOfItsOwnLength)
     EXPECT_EQ(part->GetData(), lazy->GetData() + 2);
 }
 
+TEST(CByteArray, RepointingKeepsEarlierViewsValid)
+{
+    CByteArray* first = new CByteArray(reinterpret_cast<const unsigned char*>("0123456789"), 10);
+    CByteArray* window = nullptr;
+    ASSERT_EQ(first->GetData(2, 4, &window), 0);
+    CByteArray* view = nullptr;
+    ASSERT_EQ(window->GetData(1, 2, &view), 0);
+    first->Release(); // only the window keeps it now
+    Bytes second = FromText("abcdef");
+    ASSERT_EQ(window->SetData(second, 1), 0);
+    EXPECT_TRUE(window->Equals(reinterpret_cast<const unsigned char*>("bcde"), 4));
+    // The earlier view still reads the first array's bytes.
+    EXPECT_TRUE(view->Equals(reinterpret_cast<const unsigned char*>("34"), 2));
+    view->Release();
+    window->Release();
+
+    // Without views, a window moved from source to source keeps nothing
+    // extra alive, however many hold the window itself.
+    Bytes lone(new CByteArray(2));
+    Bytes alsoHeld = lone;
+    Bytes a = FromText("ab"), b = FromText("cd");
+    ASSERT_EQ(lone->SetData(a, 0), 0);
+    {
+        CByteArray* shortLived = nullptr;
+        ASSERT_EQ(lone->GetData(0, 1, &shortLived), 0);
+        shortLived->Release();
+    }
+    ASSERT_EQ(lone->SetData(b, 0), 0);
+    EXPECT_EQ(a->GetReferenceCount(), 1);
+    EXPECT_EQ(b->GetReferenceCount(), 2);
+}
+
+TEST(CByteArray, SetDataRefusesItsOwnViews)
+{
+    Bytes source = FromText("abcdef");
+    CByteArray* view = nullptr;
+    ASSERT_EQ(source->GetData(0, 6, &view), 0);
+    CByteArray* inner = nullptr;
+    ASSERT_EQ(view->GetData(0, 6, &inner), 0);
+    EXPECT_EQ(source->SetData(view, 0), RESULT_ARGUMENT_OUT_OF_RANGE);
+    EXPECT_EQ(source->SetData(inner, 0), RESULT_ARGUMENT_OUT_OF_RANGE);
+    EXPECT_EQ(view->GetReferenceCount(), 2);
+    EXPECT_EQ(inner->GetReferenceCount(), 1);
+    inner->Release();
+    view->Release();
+    EXPECT_EQ(source->GetReferenceCount(), 1);
+}
+
 TEST(CByteArray, ClearRanges)
 {
     Bytes bytes = FromText("abcdef");

@@ -47,3 +47,18 @@ TEST(CharClass, DigitsAndWidening)
     EXPECT_EQ(CharClass::ParseInteger(text, 2, 10, INT32_MIN, INT32_MAX), 12);
     EXPECT_EQ(CharClass::ParseDouble(text, 1), 1.0);
 }
+
+TEST(CharClass, HexDigitValues)
+{
+    struct Case {
+        uint16_t in;
+        int value;
+    };
+    const Case cases[] = {
+        {'0', 0},   {'9', 9},   {'a', 10},  {'f', 15},    {'A', 10},    {'F', 15},     {'g', -1},
+        {'G', -1},  {'/', -1},  {':', -1},  {'@', -1},    {'`', -1},    {0x0141, -1},  {0xFF10, -1},
+        {0xFF21, -1}, {0x0, -1},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(CharClass::HexDigitValue(WChar(c.in)), c.value) << std::hex << c.in;
+}

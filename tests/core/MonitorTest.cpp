@@ -38,6 +38,29 @@ TEST(Monitor, WaitWithoutNotifyTimesOut)
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(40));
 }
 
+TEST(Monitor, NegativeTimeWaitsUntilWoken)
+{
+    // -1 is how callers spell INFINITE; it must not read as "no wait".
+    RObject<Probe> probe(new Probe());
+    bool ready = false;
+    std::thread notifier([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        CObject::CAutoLock guard(probe);
+        ready = true;
+        probe->Notify();
+    });
+    int waits = 0, woken = 0;
+    {
+        CObject::CAutoLock guard(probe);
+        while (!ready) {
+            ++waits;
+            woken += probe->Wait(-1) ? 1 : 0;
+        }
+    }
+    notifier.join();
+    EXPECT_EQ(woken, waits) << "every wait ended by a wake-up, none by a time-out";
+}
+
 TEST(Monitor, ReentrantByOwnerExclusiveToOthers)
 {
     CLock lock;

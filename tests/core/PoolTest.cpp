@@ -73,6 +73,23 @@ TEST_F(PoolTest, FreeListIsBounded)
     EXPECT_EQ(PooledBuffer::destroyed, 1);
 }
 
+TEST_F(PoolTest, BoundIsALimitNotAnAllocation)
+{
+    // A caller's bound, however large, costs nothing up front.
+    for (int32_t bound : {INT32_MAX, INT32_MAX / 2, 0, -5}) {
+        RObject<CPool<PooledBuffer>> pool(CPool<PooledBuffer>::Create(bound));
+        ASSERT_TRUE(pool) << bound;
+        EXPECT_EQ(pool->GetMaxFree(), bound < 0 ? 0 : bound);
+        std::vector<PooledBuffer*> out;
+        for (int i = 0; i < 40; ++i)
+            out.push_back(pool->Get());
+        for (PooledBuffer* object : out)
+            object->Release();
+        EXPECT_EQ(pool->GetFreeCount(), bound > 0 ? 40 : 0) << bound;
+    }
+    EXPECT_EQ(PooledBuffer::constructed, PooledBuffer::destroyed);
+}
+
 TEST_F(PoolTest, PoolOutlivesItsOwnerWhileObjectsAreOut)
 {
     auto* pool = CPool<PooledBuffer>::Create(4);

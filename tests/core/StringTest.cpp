@@ -72,7 +72,17 @@ TEST(CString, CompareIsCaseInsensitiveAndNullAware)
         const int32_t r = CString::Compare(Make(c.a), Make(c.b));
         EXPECT_EQ((r > 0) - (r < 0), c.sign) << c.a << " vs " << c.b;
     }
-    EXPECT_EQ(CString::Compare(Make("abc"), Make("ABD")), 'c' - 'd');
+    // The result is the difference itself; a unit past the end reads as 0.
+    struct Exact {
+        const char* a;
+        const char* b;
+        int32_t result;
+    };
+    const Exact exact[] = {
+        {"abc", "ABD", 'c' - 'd'}, {"abc", "ab", 'c'}, {"ab", "abc", -'c'}, {"A", "", 'a'}, {"", "Z", -'z'},
+    };
+    for (const Exact& c : exact)
+        EXPECT_EQ(CString::Compare(Make(c.a), Make(c.b)), c.result) << c.a << " vs " << c.b;
     EXPECT_EQ(CString::Compare(Make("a"), nullptr), 1);
     EXPECT_LT(CString::Compare(nullptr, Make("a")), 0);
     EXPECT_EQ(CString::Compare(nullptr, nullptr), 0);
@@ -99,6 +109,33 @@ TEST(CString, EqualityForms)
     EXPECT_EQ(nul->GetLength(), 3);
     EXPECT_FALSE(nul->Equals(Make("a")));
     EXPECT_TRUE(nul->Equals(Str(new CString(withNul, 3))));
+}
+
+TEST(CString, EqualityWithMeasuredText)
+{
+    Str key = Make("key");
+    struct Case {
+        const char* text;
+        const WChar* wide;
+        int32_t length;
+        bool equal;
+    };
+    const Case cases[] = {
+        {"key", VEK_W("key"), 3, true},
+        {"keys", VEK_W("keys"), 3, true}, // only `length` units take part
+        {"keys", VEK_W("keys"), 4, false},
+        {"key", VEK_W("key"), 2, false},
+        {"kex", VEK_W("kex"), 3, false},
+        {"key", VEK_W("key"), -1, false},
+        {nullptr, nullptr, 0, false},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(key->Equals(c.text, c.length), c.equal) << (c.text ? c.text : "null") << " " << c.length;
+        EXPECT_EQ(key->Equals(c.wide, c.length), c.equal) << (c.text ? c.text : "null") << " " << c.length;
+    }
+    Str empty(new CString());
+    EXPECT_TRUE(empty->Equals("", 0));
+    EXPECT_TRUE(empty->Equals(VEK_W("x"), 0));
 }
 
 TEST(CString, StartsAndEndsWith)

@@ -28,6 +28,12 @@ public:
     TestBag() : CObject(Four("tbag")) {}
 
     static const Accessor Table[];
+    // The formatters, reachable for their exact result codes.
+    using IProperties::GetBool;
+    using IProperties::GetByte;
+    using IProperties::GetString;
+    using IProperties::GetUInt16;
+    using IProperties::GetUInt32;
 
 protected:
     ~TestBag() override = default;
@@ -282,6 +288,11 @@ TEST_F(BagTest, ValueTexts)
     for (const Case& c : cases)
         EXPECT_EQ(Text(bag.GetPropertyValue(c.key)), c.text) << c.key;
 
+    // The text stops at the first zero byte; nothing after it is kept.
+    RObject<CString> name(bag.GetPropertyValue("name"));
+    ASSERT_TRUE(name);
+    EXPECT_EQ(name->GetLength(), 3);
+
     Put(bag, "flag", Bytes({0}));
     EXPECT_EQ(Text(bag.GetPropertyValue("flag")), "false");
     Put(bag, "long", Bytes({0x04, 0x03, 0x02, 0x01}));
@@ -297,6 +308,44 @@ TEST_F(BagTest, FormatterFailuresReadAsError)
     Put(bag, "byte", Bytes({}));
     for (const char* key : {"flag", "short", "long", "byte", "name"})
         EXPECT_EQ(Text(bag.GetPropertyValue(key)), "(error)") << key;
+}
+
+TEST_F(BagTest, FormatterResultCodes)
+{
+    Put(bag, "none", Bytes({}));
+    Put(bag, "one", Bytes({7}));
+    Put(bag, "two", Bytes({1, 2}));
+    Put(bag, "four", Bytes({1, 2, 3, 4}));
+    Put(bag, "eight", Bytes({1, 2, 3, 4, 5, 6, 7, 8}));
+    using Formatter = IProperties::Formatter;
+    struct Case {
+        const char* name;
+        Formatter formatter;
+        const char* key;
+        int result;
+    };
+    const Case cases[] = {
+        {"bool", &TestBag::GetBool, "one", RESULT_OK},
+        {"bool", &TestBag::GetBool, "two", RESULT_TYPE_MISMATCH},
+        {"bool", &TestBag::GetBool, "none", RESULT_TYPE_MISMATCH},
+        {"bool", &TestBag::GetBool, "absent", RESULT_INDEX_OUT_OF_RANGE},
+        {"byte", &TestBag::GetByte, "four", RESULT_TYPE_MISMATCH},
+        {"uint16", &TestBag::GetUInt16, "two", RESULT_OK},
+        {"uint16", &TestBag::GetUInt16, "one", RESULT_TYPE_MISMATCH},
+        {"uint16", &TestBag::GetUInt16, "four", RESULT_TYPE_MISMATCH},
+        {"uint32", &TestBag::GetUInt32, "four", RESULT_OK},
+        {"uint32", &TestBag::GetUInt32, "eight", RESULT_TYPE_MISMATCH},
+        {"uint32", &TestBag::GetUInt32, "absent", RESULT_INDEX_OUT_OF_RANGE},
+        {"string", &TestBag::GetString, "none", RESULT_OK},
+        {"string", &TestBag::GetString, "eight", RESULT_OK},
+        {"string", &TestBag::GetString, "absent", RESULT_INDEX_OUT_OF_RANGE},
+    };
+    for (const Case& c : cases) {
+        CString* text = nullptr;
+        EXPECT_EQ(c.formatter(&bag, c.key, &text), c.result) << c.name << " " << c.key;
+        EXPECT_EQ(text != nullptr, c.result == RESULT_OK) << c.name << " " << c.key;
+        RObject<CString> held(text);
+    }
 }
 
 TEST_F(BagTest, DescriptionsAndTypes)

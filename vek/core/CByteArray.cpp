@@ -1,5 +1,7 @@
 #include <vek/core/CByteArray.h>
 
+#include <vek/core/CList.h>
+#include <vek/core/CharClass.h>
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 
@@ -7,21 +9,6 @@
 #include <new>
 
 namespace Quorvex::Vek {
-
-namespace {
-
-int HexDigit(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
-} // namespace
 
 CByteArray::CByteArray(int32_t length) : CObject(Type), m_length(length < 0 ? 0 : length) {}
 
@@ -34,13 +21,27 @@ CByteArray::CByteArray(const unsigned char* src, int32_t length) : CObject(Type)
 }
 
 CByteArray::CByteArray(int32_t length, unsigned char* data, CObject* owner)
-    : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data), m_owner(RObject<CObject>::FromObject(owner))
+    : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data)
 {
+    SetOwner(owner);
 }
 
 CByteArray::~CByteArray()
 {
+    if (m_ownerArray)
+        m_ownerArray->m_views.fetch_sub(1, std::memory_order_relaxed);
     delete[] m_owned;
+}
+
+void CByteArray::SetOwner(CObject* owner)
+{
+    CByteArray* array = dynamic_cast<CByteArray*>(owner);
+    if (array)
+        array->m_views.fetch_add(1, std::memory_order_relaxed);
+    if (m_ownerArray)
+        m_ownerArray->m_views.fetch_sub(1, std::memory_order_relaxed);
+    m_ownerArray = array;
+    m_owner = RObject<CObject>::FromObject(owner);
 }
 
 bool CByteArray::AllocateInternalBuffer()
@@ -107,12 +108,44 @@ int CByteArray::SetData(CByteArray* source, int32_t offset)
     }
     if (source == this)
         return RESULT_OK; // the range check left only offset 0: nothing changes
+    if (source->IsViewOf(this)) {
+        Log(LogLevel::Error, "CByteArray::SetData: the source is a view of this array\n");
+        return RESULT_ARGUMENT_OUT_OF_RANGE;
+    }
     unsigned char* data = source->GetData();
     if (source->m_length > 0 && !data)
         return RESULT_OUT_OF_MEMORY;
-    // Any owned buffer stays until destruction: earlier views may point into it.
-    m_owner = RObject<CObject>::FromObject(source);
+    // Any owned buffer stays until destruction: earlier views may point into
+    // it. Those views hold this array, not its owner, so while any is alive
+    // the owner stays too.
+    if (m_owner && m_owner.Get() != source && m_views.load(std::memory_order_relaxed) > 0) {
+        if (const int result = KeepOwnerUntilDestruction(); result < 0)
+            return result;
+    }
+    SetOwner(source);
     m_data = data ? data + offset : nullptr;
+    return RESULT_OK;
+}
+
+// True when this array reaches `array` through its chain of owners.
+bool CByteArray::IsViewOf(const CByteArray* array) const
+{
+    for (const CByteArray* owner = m_ownerArray; owner; owner = owner->m_ownerArray) {
+        if (owner == array)
+            return true;
+    }
+    return false;
+}
+
+int CByteArray::KeepOwnerUntilDestruction()
+{
+    if (!m_formerOwners)
+        m_formerOwners = CList<CObject>::Create();
+    auto* owners = static_cast<CList<CObject>*>(m_formerOwners.Get());
+    if (!owners || owners->Add(m_owner.Get()) < 0) {
+        Log(LogLevel::Error, "CByteArray::SetData: no memory to keep the earlier owner\n");
+        return RESULT_OUT_OF_MEMORY;
+    }
     return RESULT_OK;
 }
 
@@ -171,7 +204,7 @@ int CByteArray::FromHexString(const char* text, CByteArray*& out)
         text += 2;
     std::size_t digits = 0;
     for (; text[digits]; ++digits) {
-        if (HexDigit(text[digits]) < 0) {
+        if (CharClass::HexDigitValue(CharClass::Widen(text[digits])) < 0) {
             Log(LogLevel::Error, "CByteArray::FromHexString: no hexadecimal digit at position %lld\n", (long long)digits);
             return RESULT_FORMAT_ERROR;
         }
@@ -191,7 +224,7 @@ int CByteArray::FromHexString(const char* text, CByteArray*& out)
     const std::size_t padding = digits % 2;
     for (std::size_t i = 0; i < digits; ++i) {
         const std::size_t digit = padding + i;
-        const int value = HexDigit(text[i]);
+        const int value = CharClass::HexDigitValue(CharClass::Widen(text[i]));
         data[digit / 2] |= (unsigned char)(digit % 2 == 0 ? value << 4 : value);
     }
     out = bytes;

@@ -27,13 +27,18 @@ public:
     unsigned char* GetData();
     // One byte; 0 when out of range.
     unsigned char GetData(int32_t index);
-    // Repoints the array at other memory of the same length.
+    // Repoints the array at other memory of the same length. The caller
+    // keeps that memory alive as long as this array and its views.
     void SetData(unsigned char* data);
 
     // A new view of `length` bytes at `offset`, owned by this array.
     // -19007 when offset or length is negative or the range passes the end.
     int GetData(int32_t offset, int32_t length, CByteArray** out);
     // Makes this array a view of its own length into source at offset.
+    // -19003 when `source` is itself a view of this array: each would keep
+    // the other alive for ever. Views of this array made earlier stay
+    // valid: while any is alive, the memory it pointed at is kept until this
+    // array is destroyed.
     int SetData(CByteArray* source, int32_t offset);
 
     void Clear();
@@ -55,11 +60,20 @@ protected:
 
 private:
     bool AllocateInternalBuffer();
+    void SetOwner(CObject* owner);
+    bool IsViewOf(const CByteArray* array) const;
+    int KeepOwnerUntilDestruction();
 
     int32_t m_length;
     unsigned char* m_owned = nullptr;
     unsigned char* m_data = nullptr;
     RObject<CObject> m_owner;
+    // The owner when it is a byte array, which then counts this array among
+    // its views.
+    CByteArray* m_ownerArray = nullptr;
+    std::atomic<int32_t> m_views{0};
+    // Earlier owners that views of this array may still point into.
+    RObject<CObject> m_formerOwners;
 };
 
 } // namespace Quorvex::Vek

@@ -41,13 +41,16 @@ public:
     {
         return Find([key](CString* k) { return CString::Equals(k, key); }, key != nullptr);
     }
+    // Text keys are measured once, not once per entry.
     int32_t IndexOfKey(const char* key) const
     {
-        return Find([key](CString* k) { return k->Equals(key); }, key != nullptr);
+        const int32_t length = CString::GetLength(key);
+        return Find([key, length](CString* k) { return k->Equals(key, length); }, key != nullptr);
     }
     int32_t IndexOfKey(const WChar* key) const
     {
-        return Find([key](CString* k) { return k->Equals(key); }, key != nullptr);
+        const int32_t length = CString::GetLength(key);
+        return Find([key, length](CString* k) { return k->Equals(key, length); }, key != nullptr);
     }
 
     template <typename Key>

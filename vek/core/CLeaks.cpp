@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -65,7 +66,13 @@ public:
     void AddObject(const CObject* object);
     void RemoveObject(const CObject* object);
     int32_t End(int32_t mode);
-    void SetCallback(char* (*callback)(void)) { m_callback = callback; }
+    void SetCallback(char* (*callback)(void))
+    {
+        // Under the lock: a report being written on another thread reads it.
+        m_lock.Enter();
+        m_callback = callback;
+        m_lock.Exit();
+    }
     const char* LastReport() const { return m_lastReport.c_str(); }
 
 private:
@@ -73,12 +80,15 @@ private:
     void Insert(const Entry& entry);
     bool Grow();
     uint32_t HomeSlot(const CObject* object) const;
+    bool Wanted(const CObject* object) const;
     void WriteReport();
     void AddLineToScratch(const char* format, ...) VEK_PRINTF(2, 3);
     std::string Label() const;
 
     CLock m_lock;
-    uint32_t m_typeFilter = 0;
+    // Atomic: AddObject reads it before taking the lock, while another
+    // thread's Mark may be replacing it.
+    std::atomic<uint32_t> m_typeFilter{0};
     std::vector<Entry> m_table;
     int32_t m_capacityStep = 0;
     int32_t m_live = 0;
@@ -109,7 +119,7 @@ void CLeaksTable::Begin(int32_t mode, uint32_t type)
     m_total = 0;
     m_peak = 0;
     m_probeSum = 0;
-    m_typeFilter = type;
+    m_typeFilter.store(type, std::memory_order_relaxed);
     CLeaks::s_mode.exchange(mode);
     m_lock.Exit();
 }
@@ -117,6 +127,12 @@ void CLeaksTable::Begin(int32_t mode, uint32_t type)
 uint32_t CLeaksTable::HomeSlot(const CObject* object) const
 {
     return uint32_t(reinterpret_cast<uintptr_t>(object) % m_table.size());
+}
+
+bool CLeaksTable::Wanted(const CObject* object) const
+{
+    const uint32_t filter = m_typeFilter.load(std::memory_order_relaxed);
+    return filter == 0 || object->GetType() == filter;
 }
 
 void CLeaksTable::Insert(const Entry& entry)
@@ -133,10 +149,16 @@ bool CLeaksTable::Grow()
 {
     if (m_capacityStep + 1 >= kCapacityCount)
         return false;
-    std::vector<Entry> old;
-    old.swap(m_table);
+    // Nothing may throw out of an object's constructor: without memory for
+    // the larger table the old one stays, fuller than planned.
+    std::vector<Entry> old = std::move(m_table);
+    try {
+        m_table.assign(kCapacities[m_capacityStep + 1], Entry{});
+    } catch (const std::bad_alloc&) {
+        m_table = std::move(old);
+        return false;
+    }
     ++m_capacityStep;
-    m_table.assign(kCapacities[m_capacityStep], Entry{});
     for (const Entry& entry : old)
         if (entry.object)
             Insert(entry);
@@ -147,7 +169,7 @@ void CLeaksTable::AddObject(const CObject* object)
 {
     if (!object || CLeaks::s_mode.load() == CLeaks::Off)
         return;
-    if (m_typeFilter != 0 && object->GetType() != m_typeFilter)
+    if (!Wanted(object))
         return;
     Backtrace* creation = nullptr;
     if (CLeaks::s_mode.load() >= CLeaks::Stack) {
@@ -156,7 +178,8 @@ void CLeaksTable::AddObject(const CObject* object)
             creation->count = Platform::CaptureBacktrace(creation->frames, kMaxFrames, kTrackerFrames);
     }
     m_lock.Enter();
-    if (CLeaks::s_mode.load() == CLeaks::Off) {
+    // Checked again: a Mark may have stopped tracking or changed the filter.
+    if (CLeaks::s_mode.load() == CLeaks::Off || !Wanted(object)) {
         m_lock.Exit();
         std::free(creation);
         return;
@@ -204,7 +227,7 @@ void CLeaksTable::RemoveObject(const CObject* object)
         }
         slot = (slot + 1) % size;
     }
-    const bool filteredOut = m_typeFilter != 0 && object->GetType() != m_typeFilter;
+    const bool filteredOut = !Wanted(object);
     m_lock.Exit();
     if (!filteredOut)
         Log(LogLevel::Detail, "CLeaks::RemoveObject: CObject not tracked\n");
@@ -299,7 +322,11 @@ int32_t CLeaksTable::End(int32_t /*mode*/)
     m_lock.Enter();
     const int32_t live = m_live;
     if (live > 0) {
-        WriteReport();
+        try {
+            WriteReport();
+        } catch (const std::bad_alloc&) {
+            Log(LogLevel::Error, "CLeaks::ShowLeaksSinceMark: %ld leaks; no memory for the report\n", long(live));
+        }
     } else {
         m_scratch.clear();
         AddLineToScratch("\nNo leaks detected after tracking %llu objects (%ld simultaneous object peak).\n",

@@ -34,9 +34,10 @@ bool CLock::Wait()
     return Platform::LockWait(m_storage, -1);
 }
 
+// A negative time is INFINITE (-1) as callers pass it: wait until woken.
 bool CLock::Wait(int32_t milliseconds)
 {
-    return Platform::LockWait(m_storage, milliseconds < 0 ? 0 : milliseconds);
+    return Platform::LockWait(m_storage, milliseconds < 0 ? -1 : milliseconds);
 }
 
 int CLock::Notify()

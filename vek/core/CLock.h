@@ -20,7 +20,7 @@ public:
     int Exit();             // always 0
     bool TryEnter();        // true when entered
     bool Wait();            // true when woken
-    bool Wait(int32_t milliseconds); // false on time-out
+    bool Wait(int32_t milliseconds); // false on time-out; negative waits until woken
     int Notify();           // always 0
     int NotifyAll();        // always 0
 

@@ -2,16 +2,13 @@
 
 namespace Quorvex::Vek {
 
-CPoolBase::CPoolBase(int32_t maxFree, uint32_t type) : CObject(type), m_maxFree(maxFree < 0 ? 0 : maxFree)
-{
-    m_free.reserve(size_t(m_maxFree));
-}
+CPoolBase::CPoolBase(int32_t maxFree, uint32_t type) : CObject(type), m_maxFree(maxFree < 0 ? 0 : maxFree) {}
 
 CPoolBase::~CPoolBase()
 {
     // Free objects hold no pool reference, so releasing them destroys them.
-    for (CPoolObject* object : m_free)
-        object->Release();
+    while (m_free.Count() > 0)
+        m_free.Take(m_free.Count() - 1)->Release();
 }
 
 CPoolObject* CPoolBase::Get()
@@ -19,17 +16,14 @@ CPoolObject* CPoolBase::Get()
     CPoolObject* object = nullptr;
     {
         CAutoLock guard(this);
-        if (!m_free.empty()) {
-            object = m_free.back();
-            m_free.pop_back();
-        }
+        if (m_free.Count() > 0)
+            object = m_free.Take(m_free.Count() - 1);
     }
     if (!object) {
         object = CreateObject();
         if (!object)
             return nullptr;
-        CAutoLock guard(this);
-        ++m_created;
+        m_created.fetch_add(1, std::memory_order_relaxed);
     }
     object->Pool(this);
     return object;
@@ -38,16 +32,15 @@ CPoolObject* CPoolBase::Get()
 int32_t CPoolBase::GetFreeCount()
 {
     CAutoLock guard(this);
-    return int32_t(m_free.size());
+    return m_free.Count();
 }
 
 void CPoolBase::Return(CPoolObject* object)
 {
     CAutoLock guard(this);
-    if (int32_t(m_free.size()) >= m_maxFree)
+    if (m_free.Count() >= m_maxFree || !m_free.Insert(m_free.Count(), std::move(object)))
         return; // not kept: the object is destroyed by its Release
     object->Acquire();
-    m_free.push_back(object);
 }
 
 } // namespace Quorvex::Vek

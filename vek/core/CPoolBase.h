@@ -7,9 +7,8 @@
 // object comes back through its ReclaimCleanUp into the free list; once the
 // free list holds `maxFree` objects, returning ones are destroyed instead.
 // The pool stays alive while any of its objects is out.
-#include <vector>
-
 #include <vek/core/CPoolObject.h>
+#include <vek/core/CollectionStorage.h>
 
 namespace Quorvex::Vek {
 
@@ -24,7 +23,7 @@ public:
     int32_t GetFreeCount();
     int32_t GetMaxFree() const { return m_maxFree; }
     // Objects made by the factory over the pool's life.
-    int64_t GetCreatedCount() const { return m_created; }
+    int64_t GetCreatedCount() const { return m_created.load(std::memory_order_relaxed); }
 
 protected:
     explicit CPoolBase(int32_t maxFree, uint32_t type = Type);
@@ -39,9 +38,11 @@ private:
     // unless the free list is full.
     void Return(CPoolObject* object);
 
-    std::vector<CPoolObject*> m_free;
+    // Grows on demand and never throws: `maxFree` is only a bound, and a
+    // failed growth just lets the returning object be destroyed.
+    Detail::GrowBuffer<CPoolObject*> m_free;
     int32_t m_maxFree;
-    int64_t m_created = 0;
+    std::atomic<int64_t> m_created{0}; // read without the lock
 };
 
 // A pool of T made with `new (std::nothrow) T(args...)`.

@@ -102,15 +102,11 @@ private:
     WChar* m_owned = nullptr;
 };
 
-int HexValue(int c)
+// A hexadecimal digit's value; any other unit counts 0.
+int HexValue(WChar c)
 {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return 0;
+    const int digit = CharClass::HexDigitValue(c);
+    return digit < 0 ? 0 : digit;
 }
 
 } // namespace
@@ -476,16 +472,25 @@ bool CString::Equals(CString* a, CString* b)
 
 bool CString::Equals(const char* other)
 {
-    if (!other)
+    return Equals(other, NarrowLength(other));
+}
+
+bool CString::Equals(const char* other, int32_t length)
+{
+    if (!other || length < 0)
         return false;
     const char* chars = GetChars();
-    const int32_t length = GetCharsLength();
-    return NarrowLength(other) == length && std::memcmp(chars, other, std::size_t(length)) == 0;
+    return length == GetCharsLength() && std::memcmp(chars, other, std::size_t(length)) == 0;
 }
 
 bool CString::Equals(const WChar* other)
 {
-    return other && WideLength(other) == m_length && SameUnits(GetWChars(), other, m_length, false);
+    return Equals(other, WideLength(other));
+}
+
+bool CString::Equals(const WChar* other, int32_t length)
+{
+    return other && length == m_length && SameUnits(GetWChars(), other, m_length, false);
 }
 
 bool CString::EqualsIgnoreCase(CString* other)
@@ -913,8 +918,8 @@ uint32_t CString::ToFour()
     for (int32_t at = 0; produced < 4 && at < length; ++produced) {
         uint32_t byte = bytes[at];
         if (byte == '%') {
-            const int high = at + 1 < length ? HexValue(bytes[at + 1]) : 0;
-            const int low = at + 2 < length ? HexValue(bytes[at + 2]) : 0;
+            const int high = at + 1 < length ? HexValue(WChar(bytes[at + 1])) : 0;
+            const int low = at + 2 < length ? HexValue(WChar(bytes[at + 2])) : 0;
             byte = uint32_t(high * 16 + low);
             at = length - at > 3 ? at + 3 : length;
         } else {
@@ -954,8 +959,7 @@ CByteArray* CString::ToBytes(int32_t count)
     const int64_t padding = digits - m_length;
     for (int32_t i = 0; i < m_length; ++i) {
         const int64_t digit = padding + i;
-        const int c = UnitValue(units[i]);
-        const int value = c < 0x80 ? HexValue(c) : 0;
+        const int value = HexValue(units[i]);
         data[digit / 2] |= (unsigned char)(digit % 2 == 0 ? value << 4 : value);
     }
     return bytes;

@@ -76,6 +76,10 @@ public:
     static bool Equals(CString* a, CString* b);
     bool Equals(const char* other);
     bool Equals(const WChar* other);
+    // As above for `length` code units of the given encoding, measured by the
+    // caller (no terminator needed): lets a lookup measure its key once.
+    bool Equals(const char* other, int32_t length);
+    bool Equals(const WChar* other, int32_t length);
     bool EqualsIgnoreCase(CString* other);
     bool EqualsIgnoreCase(const char* other);
     bool EqualsIgnoreCase(const WChar* other);

@@ -55,6 +55,12 @@ int DigitValue(WChar c)
     return -1;
 }
 
+int HexDigitValue(WChar c)
+{
+    const int digit = DigitValue(c);
+    return digit < 16 ? digit : -1;
+}
+
 namespace {
 
 int32_t SkipSpace(const WChar* text, int32_t length, int32_t at)

@@ -29,6 +29,8 @@ VEK_API bool IsDigit(WChar c);
 VEK_API WChar Widen(char c);
 // Value of c as a digit in bases up to 36, or -1.
 VEK_API int DigitValue(WChar c);
+// Value of c as a hexadecimal digit (0-9, a-f, A-F), or -1.
+VEK_API int HexDigitValue(WChar c);
 
 // Parses `length` units (the text need not be terminated).
 VEK_API int64_t ParseInteger(const WChar* text, int32_t length, int base, int64_t minimum, int64_t maximum);

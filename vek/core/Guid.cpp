@@ -1,6 +1,7 @@
 #include <vek/core/Guid.h>
 
 #include <vek/core/CString.h>
+#include <vek/core/CharClass.h>
 #include <vek/core/Log.h>
 
 #include <cstring>
@@ -14,17 +15,6 @@ namespace {
 constexpr int kBareLength = 36;
 // Offsets of the hyphens in the text without braces.
 constexpr int kHyphens[] = {8, 13, 18, 23};
-
-int HexDigit(uint32_t c)
-{
-    if (c >= '0' && c <= '9')
-        return int(c - '0');
-    if (c >= 'a' && c <= 'f')
-        return int(c - 'a' + 10);
-    if (c >= 'A' && c <= 'F')
-        return int(c - 'A' + 10);
-    return -1;
-}
 
 bool IsHyphenPosition(int i)
 {
@@ -54,7 +44,7 @@ int ParseUnits(const Unit* text, std::size_t length, _Guid& out)
                 return RESULT_FORMAT_ERROR;
             continue;
         }
-        const int digit = HexDigit(c);
+        const int digit = CharClass::HexDigitValue(WChar(c));
         if (digit < 0)
             return RESULT_FORMAT_ERROR;
         bytes[nibble / 2] = uint8_t(bytes[nibble / 2] | (nibble % 2 == 0 ? digit << 4 : digit));

@@ -59,9 +59,6 @@ public:
     // value; with no such code the canonical root is the answer.
     uint32_t Classify(uint32_t code, const uint32_t (*map)[2]) const;
 
-    const FormatDescription* Rows() const { return m_rows; }
-    size_t Count() const { return m_count; }
-
 private:
     const FormatIndexEntry* FindIndex(uint32_t code) const;
 
