@@ -5,6 +5,7 @@
 // object. A negative length is stored as 0.
 #include <vek/core/CObject.h>
 #include <vek/core/RObject.h>
+#include <vek/platform/OleMembers.h>
 #include <vek/core/Result.h>
 
 namespace Quorvex::Vek {
@@ -54,6 +55,9 @@ public:
 
     // 32-bit FNV-1a over the bytes; 0 without data.
     int32_t GetHashCode() const override;
+
+    // ToSAFEARRAY(): Windows build only.
+    VEK_CBYTEARRAY_OLE_MEMBERS
 
 protected:
     ~CByteArray() override;

@@ -11,11 +11,12 @@ namespace Quorvex::Vek {
 
 namespace {
 
-// Guards lazy monitor creation for every object of the process.
+// Guards lazy monitor creation for every object of the process. Never
+// destroyed: objects may still lock during static destruction at exit.
 CLock& MonitorCreationLock()
 {
-    static CLock lock;
-    return lock;
+    static CLock* lock = new CLock();
+    return *lock;
 }
 
 } // namespace

@@ -18,6 +18,7 @@
 #include <cstdarg>
 
 #include <vek/core/CObject.h>
+#include <vek/platform/OleMembers.h>
 #include <vek/core/RObject.h>
 
 // A UTF-16 literal of type const WChar[] on every platform: VEK_W("text").
@@ -158,6 +159,9 @@ public:
     static CString* FromBytes(CByteArray* bytes);
     static CString* WithFormat(const char* format, ...) VEK_PRINTF(1, 2);
     static CString* WithFormatV(const char* format, va_list arguments);
+
+    // ToBSTR() and static ToBSTR(const char*): Windows build only.
+    VEK_CSTRING_OLE_MEMBERS
 
 protected:
     ~CString() override;

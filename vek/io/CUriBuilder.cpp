@@ -162,7 +162,8 @@ CUri* CUriBuilder::GetUri(bool escape)
         return nullptr;
     }
     if (url.size() >= Platform::UrlCapacity) {
-        Log(LogLevel::Warning, "CUriBuilder::GetUri: URL of %zu characters is too long\n", url.size());
+        Log(LogLevel::Warning, "CUriBuilder::GetUri: URL of %llu characters is too long\n",
+            (unsigned long long)url.size());
         return nullptr;
     }
     return CUri::CreateWithEscapedUrl(url.c_str());

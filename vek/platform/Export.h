@@ -18,7 +18,10 @@
 #endif
 
 // Printf-style argument checking for the log and string formatters.
-#if defined(__GNUC__)
+#if defined(__GNUC__) && defined(_WIN32)
+// mingw-w64's C++ runtime formats with its C99-conforming printf (%zu, %lld).
+#  define VEK_PRINTF(fmtIndex, firstArg) __attribute__((format(gnu_printf, fmtIndex, firstArg)))
+#elif defined(__GNUC__)
 #  define VEK_PRINTF(fmtIndex, firstArg) __attribute__((format(printf, fmtIndex, firstArg)))
 #else
 #  define VEK_PRINTF(fmtIndex, firstArg)
