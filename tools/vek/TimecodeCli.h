@@ -8,6 +8,7 @@
 // a label must be exactly HH:MM:SS:FF (';' before the frames for drop-frame)
 // with every field in range, and a drop-frame label that the counting skips
 // is refused rather than silently moved.
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -16,12 +17,10 @@
 #include <vector>
 
 #include <vek/media/CTimeCode.h>
-#include <vek/media/CTimeScale.h>
 
 namespace VekTool::TimecodeCli {
 
 using Quorvex::Vek::CTimeCode;
-using Quorvex::Vek::CTimeScale;
 
 constexpr int ExitOk = 0;
 constexpr int ExitBadInput = 1;
@@ -433,12 +432,14 @@ inline Outcome RunSeconds(const Rate& rate, bool drop, const std::string& number
     const std::string bad = "invalid seconds " + Quoted(number) + ": expected a time within one day of frames";
     if (!ParseDecimal(number, seconds))
         return Failure(ExitBadInput, bad);
-    // The frame showing at that time: the time in units of the rate's
-    // scale, rounded as the library rounds, then whole frames.
-    const int64_t units = CTimeScale(rate.scale).FromSeconds(seconds);
-    const int64_t frames = units / rate.duration;
-    if (frames >= day)
+    // The frame showing at that time. The allowance of a millionth of a
+    // frame keeps a time that falls on a frame boundary (0.04 s at 25 fps)
+    // from landing one frame short through decimal-to-binary rounding.
+    const double exact = seconds * static_cast<double>(rate.scale) / static_cast<double>(rate.duration);
+    const double whole = std::floor(exact + 1e-6);
+    if (!(whole < static_cast<double>(day)))
         return Failure(ExitBadInput, bad);
+    const int64_t frames = static_cast<int64_t>(whole);
     return Success(Describe(rate, drop, frames));
 }
 
