@@ -95,6 +95,19 @@ int ScanLabel(const char* text, CTimeCode::TimeCodeTime& label, char& separator)
     return 5;
 }
 
+// Fields the text did not reach keep the current label.
+void KeepUnreadFields(CTimeCode::TimeCodeTime& label, const CTimeCode::TimeCodeTime& current, int matched)
+{
+    if (matched < 1)
+        label.hours = current.hours;
+    if (matched < 2)
+        label.minutes = current.minutes;
+    if (matched < 3)
+        label.seconds = current.seconds;
+    if (matched < 5)
+        label.frames = current.frames;
+}
+
 char* PrintField(char* out, unsigned value)
 {
     if (value >= 100)
@@ -335,13 +348,14 @@ void CTimeCode::FromString(const char* text)
 
 void CTimeCode::FromString(const char* text, bool keepDropFlag)
 {
-    // Fields the text does not reach keep the label of the current total.
-    TimeCodeTime label = Label();
+    TimeCodeTime label;
     char separator = ':';
     const int matched = ScanLabel(text, label, separator);
-    if (matched < 5)
+    if (matched < 5) {
         Log(LogLevel::Detail, "CTimeCode::FromString: %d of 5 label fields read from \"%.16s\"\n", matched,
             text ? text : "");
+        KeepUnreadFields(label, Label(), matched);
+    }
     if (!keepDropFlag)
         m_dropFrame = separator == ';' ? 1 : 0;
     FromTime(label);
