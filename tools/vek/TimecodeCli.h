@@ -122,7 +122,10 @@ inline bool IsDigit(char c)
 
 inline std::string Quoted(std::string_view text)
 {
-    return "'" + std::string(text.substr(0, 64)) + "'";
+    std::string quoted(1, '\'');
+    quoted.append(text.substr(0, 64));
+    quoted += '\'';
+    return quoted;
 }
 
 // A whole number of at most MaxDigits digits, no sign.
