@@ -5,6 +5,7 @@
 // object. A negative length is stored as 0.
 #include <vek/core/CObject.h>
 #include <vek/core/RObject.h>
+#include <vek/core/Result.h>
 
 namespace Quorvex::Vek {
 

@@ -1,0 +1,215 @@
+#include <vek/core/CByteArray.h>
+
+#include <vek/core/Log.h>
+#include <vek/core/Result.h>
+
+#include <cstring>
+#include <new>
+
+namespace Quorvex::Vek {
+
+namespace {
+
+int HexDigit(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+} // namespace
+
+CByteArray::CByteArray(int32_t length) : CObject(Type), m_length(length < 0 ? 0 : length) {}
+
+CByteArray::CByteArray(const unsigned char* src, int32_t length) : CObject(Type), m_length(length < 0 ? 0 : length)
+{
+    if (m_length == 0 || !AllocateInternalBuffer())
+        return;
+    if (src)
+        std::memcpy(m_data, src, std::size_t(m_length));
+}
+
+CByteArray::CByteArray(int32_t length, unsigned char* data, CObject* owner)
+    : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data), m_owner(RObject<CObject>::FromObject(owner))
+{
+}
+
+CByteArray::~CByteArray()
+{
+    delete[] m_owned;
+}
+
+bool CByteArray::AllocateInternalBuffer()
+{
+    if (m_data)
+        return true;
+    if (m_length == 0)
+        return false;
+    m_owned = new (std::nothrow) unsigned char[std::size_t(m_length)]();
+    if (!m_owned) {
+        Log(LogLevel::Error, "CByteArray::AllocateInternalBuffer: out of memory for %d bytes\n", m_length);
+        return false;
+    }
+    m_data = m_owned;
+    return true;
+}
+
+unsigned char* CByteArray::GetData()
+{
+    AllocateInternalBuffer();
+    return m_data;
+}
+
+unsigned char CByteArray::GetData(int32_t index)
+{
+    if (index < 0 || index >= m_length)
+        return 0;
+    const unsigned char* data = GetData();
+    return data ? data[index] : 0;
+}
+
+void CByteArray::SetData(unsigned char* data)
+{
+    m_data = data;
+}
+
+int CByteArray::GetData(int32_t offset, int32_t length, CByteArray** out)
+{
+    if (!out)
+        return RESULT_ARGUMENT_NULL;
+    *out = nullptr;
+    if (offset < 0 || length < 0 || offset > m_length || length > m_length - offset) {
+        Log(LogLevel::Error, "CByteArray::GetData: range %d+%d outside %d bytes\n", offset, length, m_length);
+        return RESULT_INDEX_OUT_OF_RANGE;
+    }
+    unsigned char* data = GetData();
+    if (m_length > 0 && !data)
+        return RESULT_OUT_OF_MEMORY;
+    auto* view = new (std::nothrow) CByteArray(length, data ? data + offset : nullptr, this);
+    if (!view)
+        return RESULT_OUT_OF_MEMORY;
+    *out = view;
+    return RESULT_OK;
+}
+
+int CByteArray::SetData(CByteArray* source, int32_t offset)
+{
+    if (!source)
+        return RESULT_ARGUMENT_NULL;
+    if (offset < 0 || offset > source->m_length || m_length > source->m_length - offset) {
+        Log(LogLevel::Error, "CByteArray::SetData: %d bytes at %d outside %d bytes\n", m_length, offset,
+            source->m_length);
+        return RESULT_INDEX_OUT_OF_RANGE;
+    }
+    if (source == this)
+        return RESULT_OK; // the range check left only offset 0: nothing changes
+    unsigned char* data = source->GetData();
+    if (source->m_length > 0 && !data)
+        return RESULT_OUT_OF_MEMORY;
+    // Any owned buffer stays until destruction: earlier views may point into it.
+    m_owner = RObject<CObject>::FromObject(source);
+    m_data = data ? data + offset : nullptr;
+    return RESULT_OK;
+}
+
+void CByteArray::Clear()
+{
+    if (m_data && m_length > 0)
+        std::memset(m_data, 0, std::size_t(m_length));
+}
+
+int CByteArray::Clear(int32_t offset, int32_t length)
+{
+    unsigned char* data = GetData();
+    if (!data)
+        return RESULT_ERROR;
+    if (offset < 0 || length < 0 || offset > m_length || length > m_length - offset) {
+        Log(LogLevel::Error, "CByteArray::Clear: range %d+%d outside %d bytes\n", offset, length, m_length);
+        return RESULT_ARGUMENT_OUT_OF_RANGE;
+    }
+    if (length > 0)
+        std::memset(data + offset, 0, std::size_t(length));
+    return RESULT_OK;
+}
+
+bool CByteArray::Equals(CByteArray* other)
+{
+    if (!other)
+        return false;
+    if (other == this)
+        return true;
+    return other->m_length == m_length && Equals(other->GetData(), other->m_length);
+}
+
+bool CByteArray::Equals(const unsigned char* bytes, int32_t length)
+{
+    return length == m_length && StartsWith(bytes, length);
+}
+
+bool CByteArray::StartsWith(const unsigned char* bytes, int32_t length)
+{
+    if (length < 0 || length > m_length)
+        return false;
+    if (length == 0)
+        return true;
+    const unsigned char* data = GetData();
+    return bytes && data && std::memcmp(data, bytes, std::size_t(length)) == 0;
+}
+
+// Accepts an optional "0x"/"0X" prefix and hexadecimal digits of either
+// case; an odd count is read as if a '0' led it. Nothing else is allowed.
+int CByteArray::FromHexString(const char* text, CByteArray*& out)
+{
+    out = nullptr;
+    if (!text)
+        return RESULT_ARGUMENT_NULL;
+    if (text[0] == '0' && (text[1] == 'x' || text[1] == 'X'))
+        text += 2;
+    std::size_t digits = 0;
+    for (; text[digits]; ++digits) {
+        if (HexDigit(text[digits]) < 0) {
+            Log(LogLevel::Error, "CByteArray::FromHexString: no hexadecimal digit at position %lld\n", (long long)digits);
+            return RESULT_FORMAT_ERROR;
+        }
+        if (digits >= std::size_t(INT32_MAX)) {
+            Log(LogLevel::Error, "CByteArray::FromHexString: text too long\n");
+            return RESULT_OVERFLOW;
+        }
+    }
+    const int32_t count = int32_t((digits + 1) / 2);
+    auto* bytes = new (std::nothrow) CByteArray(count);
+    unsigned char* data = bytes ? bytes->GetData() : nullptr;
+    if (!bytes || (count > 0 && !data)) {
+        if (bytes)
+            bytes->Release();
+        return RESULT_OUT_OF_MEMORY;
+    }
+    const std::size_t padding = digits % 2;
+    for (std::size_t i = 0; i < digits; ++i) {
+        const std::size_t digit = padding + i;
+        const int value = HexDigit(text[i]);
+        data[digit / 2] |= (unsigned char)(digit % 2 == 0 ? value << 4 : value);
+    }
+    out = bytes;
+    return RESULT_OK;
+}
+
+int32_t CByteArray::GetHashCode() const
+{
+    if (m_length == 0)
+        return int32_t(0x811c9dc5u);
+    if (!m_data)
+        return 0;
+    uint32_t hash = 0x811c9dc5u;
+    for (int32_t i = 0; i < m_length; ++i) {
+        hash ^= m_data[i];
+        hash *= 16777619u;
+    }
+    return int32_t(hash);
+}
+
+} // namespace Quorvex::Vek
