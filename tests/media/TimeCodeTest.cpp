@@ -1,3 +1,5 @@
+#include <vek/core/CString.h>
+#include <vek/core/RObject.h>
 #include <vek/media/CTimeCode.h>
 
 #include <gtest/gtest.h>
@@ -226,6 +228,36 @@ TEST(TimeCode, ParsingIsLenientLikeScanf)
         EXPECT_EQ(tc.IsDropFrame(), c.drop) << (c.text ? c.text : "(null)");
         EXPECT_EQ(Text(tc), c.label) << (c.text ? c.text : "(null)");
     }
+}
+
+TEST(TimeCode, StringObjects)
+{
+    struct Case {
+        bool drop;
+        const char* text;
+        int32_t frames;
+        const char* printed;
+    };
+    const Case cases[] = {
+        {true, "00:01:00;00", 1800, "00:01:00;02"},
+        {true, "01:00:00:00", 108000, "01:00:00:00"}, // ':' makes it non-drop
+        {false, "00:10:00;00", 17982, "00:10:00;00"},
+        {true, nullptr, 0, "00:00:00:00"},
+    };
+    for (const Case& c : cases) {
+        CTimeCode tc(29.97, c.drop);
+        RObject<CString> text(c.text ? new CString(c.text) : nullptr);
+        tc.FromString(static_cast<CString*>(text));
+        EXPECT_EQ(tc.GetTotalFrames(), c.frames) << (c.text ? c.text : "(null)");
+        RObject<CString> printed(tc.ToString(';'));
+        ASSERT_NE(static_cast<CString*>(printed), nullptr);
+        EXPECT_EQ(printed->GetReferenceCount(), 1);
+        EXPECT_STREQ(printed->GetChars(), c.printed);
+    }
+    CTimeCode nonDrop(29.97, false);
+    nonDrop.FromFrames(1799);
+    RObject<CString> printed(nonDrop.ToString(';'));
+    EXPECT_STREQ(printed->GetChars(), "00:00:59:29");
 }
 
 // A sign reads into a signed byte, as "%hhd" does: -1 hours is 255 hours,

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 
+#include <vek/core/CString.h>
 #include <vek/core/Log.h>
 #include <vek/media/TimeArithmetic.h>
 
@@ -381,6 +383,20 @@ char* CTimeCode::ToString(char* buffer, char separator)
     std::memcpy(buffer, text, length);
     buffer[length] = '\0';
     return buffer;
+}
+
+void CTimeCode::FromString(CString* text)
+{
+    FromString(text ? text->GetChars() : nullptr, false);
+}
+
+CString* CTimeCode::ToString(char separator)
+{
+    // The internal buffer holds the whole text even for far-out totals.
+    CString* string = new (std::nothrow) CString(ToString(nullptr, separator));
+    if (!string)
+        Log(LogLevel::Error, "CTimeCode::ToString: out of memory\n");
+    return string;
 }
 
 void CTimeCode::AddSeconds(int32_t seconds)

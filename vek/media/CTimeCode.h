@@ -95,12 +95,17 @@ public:
     // A null text reads as empty.
     void FromString(const char* text);
     void FromString(const char* text, bool keepDropFlag);
+    // As FromString(text->GetChars()); a null string reads as empty.
+    void FromString(CString* text);
 
     // Derives the label and writes "HH:MM:SS:FF" with `separator` before the
     // frames when the timecode is drop-frame and ':' otherwise. A null buffer
     // means the internal one (valid until the next call on this object); a
     // caller's buffer receives at most LabelCapacity bytes.
     char* ToString(char* buffer, char separator);
+    // The same text as a new CString owned by the caller (count 1); null
+    // only when memory runs out.
+    CString* ToString(char separator);
 
     void AddSeconds(int32_t seconds);
 
