@@ -7,6 +7,8 @@
 #include <vek/media/CAudioProperties.h>
 #include <vek/media/CMediaProperties.h>
 #include <vek/media/CSubtitleProperties.h>
+#include <vek/media/CTimeCode.h>
+#include <vek/media/CTimeScale.h>
 #include <vek/media/CVideoProperties.h>
 #include <vek/media/CodeBookProperty.h>
 #include <vek/media/ContainerFormat.h>
@@ -21,6 +23,7 @@
 #include <vek/media/MetadataFormat.h>
 #include <vek/media/Properties.h>
 #include <vek/media/PropertyKeyList.h>
+#include <vek/media/Rational.h>
 #include <vek/media/SubtitleFormat.h>
 #include <vek/media/SubtitleProperties.h>
 #include <vek/media/VideoFormat.h>
