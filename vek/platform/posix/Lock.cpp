@@ -2,7 +2,6 @@
 
 #include <pthread.h>
 
-#include <atomic>
 #include <ctime>
 #include <new>
 
@@ -10,16 +9,14 @@ namespace Quorvex::Vek::Platform {
 
 namespace {
 
-// A recursive pthread mutex gives re-entry at the library's fast path cost.
-// The depth is kept alongside (touched by the owner only) so that Wait can
-// release every level and restore it afterwards, as a monitor must.
+// A recursive pthread mutex gives re-entry at the C library's fast-path
+// cost. The depth is kept alongside (touched by the holder only) so that
+// Wait can release every level and restore it afterwards, as a monitor must.
+// As with a critical section, Exit by a thread that does not hold the lock
+// is a caller error.
 struct PosixMonitor {
     pthread_mutex_t mutex;
     pthread_cond_t condition;
-    // Set by a thread to its own id when it takes the first level and
-    // cleared by it before it lets go of the last, so "owner == me" is
-    // exact even when read relaxed.
-    std::atomic<pthread_t> owner;
     int depth;
 };
 static_assert(sizeof(PosixMonitor) <= kLockStorageSize, "lock storage too small");
@@ -29,15 +26,16 @@ PosixMonitor& Monitor(LockStorage& lock)
     return *reinterpret_cast<PosixMonitor*>(lock.bytes);
 }
 
-bool OwnedByCaller(const PosixMonitor& m)
+// True when the calling thread holds the lock. A trylock succeeds for the
+// holder (one more level) and for nobody else while the lock is held; when
+// it succeeds on a free lock the depth it sees is 0.
+bool HeldByCaller(PosixMonitor& m)
 {
-    return pthread_equal(m.owner.load(std::memory_order_relaxed), pthread_self());
-}
-
-void Entered(PosixMonitor& m)
-{
-    if (++m.depth == 1)
-        m.owner.store(pthread_self(), std::memory_order_relaxed);
+    if (pthread_mutex_trylock(&m.mutex) != 0)
+        return false;
+    const bool held = m.depth > 0;
+    pthread_mutex_unlock(&m.mutex);
+    return held;
 }
 
 timespec Deadline(int32_t milliseconds)
@@ -68,7 +66,6 @@ void LockInitialize(LockStorage& lock)
     pthread_condattr_setclock(&conditionAttributes, CLOCK_MONOTONIC);
     pthread_cond_init(&m->condition, &conditionAttributes);
     pthread_condattr_destroy(&conditionAttributes);
-    m->owner.store(pthread_t{}, std::memory_order_relaxed);
     m->depth = 0;
 }
 
@@ -83,7 +80,7 @@ void LockEnter(LockStorage& lock)
 {
     auto& m = Monitor(lock);
     pthread_mutex_lock(&m.mutex);
-    Entered(m);
+    ++m.depth;
 }
 
 bool LockTryEnter(LockStorage& lock)
@@ -91,31 +88,27 @@ bool LockTryEnter(LockStorage& lock)
     auto& m = Monitor(lock);
     if (pthread_mutex_trylock(&m.mutex) != 0)
         return false;
-    Entered(m);
+    ++m.depth;
     return true;
 }
 
 void LockExit(LockStorage& lock)
 {
     auto& m = Monitor(lock);
-    if (!OwnedByCaller(m))
-        return; // leaving a lock one does not hold is ignored, not undefined
-    if (--m.depth == 0)
-        m.owner.store(pthread_t{}, std::memory_order_relaxed);
+    --m.depth;
     pthread_mutex_unlock(&m.mutex);
 }
 
 bool LockWait(LockStorage& lock, int32_t milliseconds)
 {
     auto& m = Monitor(lock);
-    if (!OwnedByCaller(m))
+    if (!HeldByCaller(m))
         return false;
     // Drop to one level: the condition wait releases exactly that one.
     const int savedDepth = m.depth;
     for (int level = savedDepth; level > 1; --level)
         pthread_mutex_unlock(&m.mutex);
     m.depth = 0;
-    m.owner.store(pthread_t{}, std::memory_order_relaxed);
     int rc = 0;
     if (milliseconds < 0) {
         rc = pthread_cond_wait(&m.condition, &m.mutex);
@@ -126,7 +119,6 @@ bool LockWait(LockStorage& lock, int32_t milliseconds)
     for (int level = 1; level < savedDepth; ++level)
         pthread_mutex_lock(&m.mutex);
     m.depth = savedDepth;
-    m.owner.store(pthread_self(), std::memory_order_relaxed);
     return rc == 0;
 }
 
