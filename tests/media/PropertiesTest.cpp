@@ -390,6 +390,28 @@ TEST_F(BagTest, TypedWidthsAndByteOrder)
     EXPECT_TRUE(b);
 }
 
+TEST_F(BagTest, OtherIntegerTypesUseTheirWidth)
+{
+    // long long is not int64_t on every platform; short and char have no
+    // overload of their own.
+    Properties p(&bag);
+    ASSERT_EQ(p.SetProperty("ll", -3LL), 0);
+    ASSERT_EQ(p.SetProperty("ull", 0x0102030405060708ULL), 0);
+    ASSERT_EQ(p.SetProperty("s", short(-2)), 0);
+    ASSERT_EQ(p.SetProperty("c", static_cast<unsigned char>(200)), 0);
+    EXPECT_EQ(Stored(bag, "ll"), Bytes({0xFD, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(Stored(bag, "ull"), Bytes({8, 7, 6, 5, 4, 3, 2, 1}));
+    EXPECT_EQ(Stored(bag, "s"), Bytes({0xFE, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(Stored(bag, "c"), Bytes({200, 0, 0, 0}));
+
+    long long ll = 0;
+    unsigned long long absent = 77;
+    EXPECT_EQ(p.GetProperty("ll", ll), 8);
+    EXPECT_EQ(ll, -3);
+    EXPECT_EQ(p.GetProperty("missing", absent), 0);
+    EXPECT_EQ(absent, 77u);
+}
+
 TEST_F(BagTest, TypedReadsNeverPassTheStoredBytes)
 {
     Properties p(&bag);

@@ -13,6 +13,8 @@
 //
 // When the bag belongs to a counted object, Properties holds a reference to
 // that object, so a copy stays usable after the object's other owners let go.
+#include <type_traits>
+
 #include <vek/core/ByteArray.h>
 #include <vek/core/String.h>
 #include <vek/media/IProperties.h>
@@ -47,6 +49,31 @@ public:
     int GetProperty(const char* key, int capacity, unsigned char* out);
     // Shares the stored array; returns its length, 0 when absent (out unchanged).
     int GetProperty(const char* key, ByteArray& out);
+
+    // Other integer types (long long where int64_t is long, long, short,
+    // char...) go through the overload of their width: 8-byte types as
+    // int64_t, narrower ones as int or unsigned int.
+    template <typename T, typename = std::enable_if_t<std::is_integral_v<T>>>
+    int SetProperty(const char* key, T value)
+    {
+        if constexpr (sizeof(T) == sizeof(int64_t))
+            return SetProperty(key, int64_t(value));
+        else if constexpr (std::is_signed_v<T>)
+            return SetProperty(key, int(value));
+        else
+            return SetProperty(key, static_cast<unsigned int>(value));
+    }
+    // 8-byte integer types read as int64_t; the variable changes only when
+    // the read succeeds, and a shorter stored value fills its first bytes.
+    template <typename T, typename = std::enable_if_t<std::is_integral_v<T> && sizeof(T) == sizeof(int64_t)>>
+    int GetProperty(const char* key, T& value)
+    {
+        int64_t wide = int64_t(value);
+        const int result = GetProperty(key, wide);
+        if (result > 0)
+            value = T(wide);
+        return result;
+    }
 
     int GetFourProperty(const char* key, unsigned int& value);
     int SetFourProperty(const char* key, unsigned int value);
