@@ -33,9 +33,42 @@ struct Backtrace {
     int count;
 };
 
+// Stack mode keeps one backtrace per Acquire of a tracked object, up to this
+// many per object; later ones are only counted.
+constexpr int32_t kMaxAcquireRecords = 1024;
+constexpr int kDetailedAcquireSites = 8;
+
 struct Entry {
     const CObject* object = nullptr;
     Backtrace* creation = nullptr; // Stack mode only
+    Backtrace* acquires = nullptr; // Stack mode only, acquireCapacity records
+    int32_t acquireCount = 0;
+    int32_t acquireCapacity = 0;
+    int64_t acquireTotal = 0;
+    int64_t releaseTotal = 0; // releases that did not end the object
+};
+
+void FreeEntry(Entry& entry)
+{
+    std::free(entry.creation);
+    std::free(entry.acquires);
+    entry = Entry{};
+}
+
+bool SameFrames(const Backtrace& a, const Backtrace& b)
+{
+    return a.count == b.count && std::memcmp(a.frames, b.frames, sizeof(void*) * size_t(a.count)) == 0;
+}
+
+// What a leaked object's references say about where it leaked. It is
+// trackable when the creation reference is the only one left (and every
+// Acquire seen was matched by a Release): the creation backtrace names the
+// culprit. Otherwise any Acquire site may hold the leaked references.
+struct ReferenceLeak {
+    bool trackable = true;
+    int64_t references = 0;
+    int64_t possibleBacktraces = 0;
+    int32_t acquireCapacity = 0;
 };
 
 // Pointers print as Windows prints %p (16 upper-case hex digits) on every
@@ -65,6 +98,8 @@ public:
     void Begin(int32_t mode, uint32_t type);
     void AddObject(const CObject* object);
     void RemoveObject(const CObject* object);
+    void AcquireObject(const CObject* object);
+    void ReleaseObject(const CObject* object);
     int32_t End(int32_t mode);
     void SetCallback(char* (*callback)(void))
     {
@@ -80,6 +115,9 @@ private:
     void Insert(const Entry& entry);
     bool Grow();
     uint32_t HomeSlot(const CObject* object) const;
+    Entry* Find(const CObject* object);
+    static ReferenceLeak Examine(const Entry& entry);
+    void WriteReferenceLines(const std::vector<const Entry*>& entries);
     bool Wanted(const CObject* object) const;
     void WriteReport();
     void AddLineToScratch(const char* format, ...) VEK_PRINTF(2, 3);
@@ -106,7 +144,7 @@ CLeaksTable* CLeaks::s_instance = nullptr;
 void CLeaksTable::Reset(int capacityStep)
 {
     for (Entry& entry : m_table)
-        std::free(entry.creation);
+        FreeEntry(entry);
     m_capacityStep = capacityStep;
     m_table.assign(kCapacities[capacityStep], Entry{});
     m_live = 0;
@@ -207,8 +245,7 @@ void CLeaksTable::RemoveObject(const CObject* object)
     uint32_t slot = HomeSlot(object);
     for (uint32_t probes = 0; probes < size && m_table[slot].object; ++probes) {
         if (m_table[slot].object == object) {
-            std::free(m_table[slot].creation);
-            m_table[slot] = Entry{};
+            FreeEntry(m_table[slot]);
             --m_live;
             // Backward-shift deletion keeps every remaining entry reachable
             // from its home slot without tombstones.
@@ -231,6 +268,111 @@ void CLeaksTable::RemoveObject(const CObject* object)
     m_lock.Exit();
     if (!filteredOut)
         Log(LogLevel::Detail, "CLeaks::RemoveObject: CObject not tracked\n");
+}
+
+Entry* CLeaksTable::Find(const CObject* object)
+{
+    const uint32_t size = uint32_t(m_table.size());
+    uint32_t slot = HomeSlot(object);
+    for (uint32_t probes = 0; probes < size && m_table[slot].object; ++probes) {
+        if (m_table[slot].object == object)
+            return &m_table[slot];
+        slot = (slot + 1) % size;
+    }
+    return nullptr;
+}
+
+void CLeaksTable::AcquireObject(const CObject* object)
+{
+    if (!object || CLeaks::s_mode.load() < CLeaks::Stack || !Wanted(object))
+        return;
+    Backtrace site;
+    site.count = Platform::CaptureBacktrace(site.frames, kMaxFrames, kTrackerFrames);
+    m_lock.Enter();
+    Entry* entry = Find(object);
+    if (entry) {
+        ++entry->acquireTotal;
+        if (entry->acquireCount == entry->acquireCapacity && entry->acquireCapacity < kMaxAcquireRecords) {
+            const int32_t capacity = entry->acquireCapacity ? entry->acquireCapacity * 2 : 4;
+            if (void* grown = std::realloc(entry->acquires, sizeof(Backtrace) * size_t(capacity))) {
+                entry->acquires = static_cast<Backtrace*>(grown);
+                entry->acquireCapacity = capacity;
+            }
+        }
+        if (entry->acquireCount < entry->acquireCapacity)
+            entry->acquires[entry->acquireCount++] = site;
+    }
+    m_lock.Exit();
+}
+
+void CLeaksTable::ReleaseObject(const CObject* object)
+{
+    if (!object || CLeaks::s_mode.load() < CLeaks::Stack)
+        return;
+    m_lock.Enter();
+    if (Entry* entry = Find(object))
+        ++entry->releaseTotal;
+    m_lock.Exit();
+}
+
+ReferenceLeak CLeaksTable::Examine(const Entry& entry)
+{
+    ReferenceLeak leak;
+    leak.references = entry.object->GetReferenceCount();
+    leak.acquireCapacity = entry.acquireCapacity;
+    leak.trackable = leak.references <= 1 && entry.acquireTotal <= entry.releaseTotal;
+    if (!leak.trackable) {
+        // The creation backtrace, plus each distinct Acquire site.
+        leak.possibleBacktraces = 1;
+        for (int32_t i = 0; i < entry.acquireCount; ++i) {
+            bool seen = false;
+            for (int32_t j = 0; j < i && !seen; ++j)
+                seen = SameFrames(entry.acquires[i], entry.acquires[j]);
+            if (!seen)
+                ++leak.possibleBacktraces;
+        }
+    }
+    return leak;
+}
+
+// The reference lines under one group of leaked objects (Stack mode).
+void CLeaksTable::WriteReferenceLines(const std::vector<const Entry*>& entries)
+{
+    int64_t references = 0, possible = 0;
+    unsigned long capacity = 0;
+    bool trackable = true;
+    for (const Entry* entry : entries) {
+        const ReferenceLeak leak = Examine(*entry);
+        trackable = trackable && leak.trackable;
+        references += leak.references;
+        possible += leak.possibleBacktraces;
+        capacity += (unsigned long)leak.acquireCapacity;
+    }
+    if (trackable) {
+        AddLineToScratch("    TRACKABLE: object creation is only leaked reference\n\n");
+        return;
+    }
+    const int64_t acquired = possible - int64_t(entries.size());
+    if (acquired == 0)
+        AddLineToScratch("    %s: %lld reference leaks\n", "UNTRACKED ACQUIRES", (long long)references);
+    else
+        AddLineToScratch("    %s: %lld reference leaks from %lld possible backtraces\n", "AMBIGUOUS",
+                         (long long)references, (long long)possible);
+    AddLineToScratch("               %lu acquire backtrace capacity\n", capacity);
+    // The distinct Acquire sites of the first object, innermost frames only.
+    const Entry& first = *entries.front();
+    int shown = 0;
+    for (int32_t i = 0; i < first.acquireCount && shown < kDetailedAcquireSites; ++i) {
+        bool seen = false;
+        for (int32_t j = 0; j < i && !seen; ++j)
+            seen = SameFrames(first.acquires[i], first.acquires[j]);
+        if (seen)
+            continue;
+        ++shown;
+        AddLineToScratch("    Acquired at backtrace:\n%s",
+                         Platform::SymbolicateBacktrace(first.acquires[i].frames, first.acquires[i].count).c_str());
+    }
+    AddLineToScratch("\n");
 }
 
 void CLeaksTable::AddLineToScratch(const char* format, ...)
@@ -262,14 +404,14 @@ std::string CLeaksTable::Label() const
 void CLeaksTable::WriteReport()
 {
     // Group leaked objects by identical creation backtrace.
-    std::map<std::vector<void*>, std::vector<const CObject*>> groups;
+    std::map<std::vector<void*>, std::vector<const Entry*>> groups;
     for (const Entry& entry : m_table) {
         if (!entry.object)
             continue;
         std::vector<void*> key;
         if (entry.creation)
             key.assign(entry.creation->frames, entry.creation->frames + entry.creation->count);
-        groups[key].push_back(entry.object);
+        groups[key].push_back(&entry);
     }
     const long uniqueCount = long(groups.size());
     m_scratch.clear();
@@ -286,29 +428,30 @@ void CLeaksTable::WriteReport()
     unsigned long long trackable = 0, trackableGroups = 0, ambiguous = 0, ambiguousGroups = 0;
     long shown = 0;
     const std::string label = Label();
-    for (const auto& [frames, objects] : groups) {
-        if (objects.size() == 1) {
-            ++trackable;
-            ++trackableGroups;
-        } else {
-            ambiguous += objects.size();
-            ++ambiguousGroups;
-        }
+    for (const auto& [frames, entries] : groups) {
+        bool groupTrackable = true;
+        for (const Entry* entry : entries)
+            groupTrackable = groupTrackable && Examine(*entry).trackable;
+        (groupTrackable ? trackable : ambiguous) += entries.size();
+        ++(groupTrackable ? trackableGroups : ambiguousGroups);
         if (shown++ >= kDetailedBacktraces)
             continue;
+        const CObject* first = entries.front()->object;
         const std::string backtrace = frames.empty()
                                           ? std::string("    (creation backtraces are kept in Stack mode only)\n")
                                           : Platform::SymbolicateBacktrace(frames.data(), int(frames.size()));
-        if (objects.size() == 1)
+        if (entries.size() == 1)
             AddLineToScratch("%s 0x%s [%s]. Object created at backtrace:\n%s", label.c_str(),
-                             PointerText(objects[0]).c_str(), TypeText(objects[0]->GetType()).c_str(),
-                             backtrace.c_str());
+                             PointerText(first).c_str(), TypeText(first->GetType()).c_str(), backtrace.c_str());
         else if (frames.empty())
-            AddLineToScratch("%lu objects leaked.\n", (unsigned long)objects.size());
+            AddLineToScratch("%lu objects leaked.\n", (unsigned long)entries.size());
         else
             AddLineToScratch("%lu objects leaked. Objects were created at backtrace:\n%s",
-                             (unsigned long)objects.size(), backtrace.c_str());
-        AddLineToScratch("\n");
+                             (unsigned long)entries.size(), backtrace.c_str());
+        if (frames.empty())
+            AddLineToScratch("\n");
+        else
+            WriteReferenceLines(entries);
     }
     AddLineToScratch("%llu objects were trackably leaked in %llu groups and %llu were ambiguously leaked in %llu "
                      "groups.\n",
@@ -372,6 +515,18 @@ void CLeaks::CreateObject(const CObject* object)
 {
     if (s_instance)
         s_instance->AddObject(object);
+}
+
+void CLeaks::AcquireObject(const CObject* object)
+{
+    if (s_instance)
+        s_instance->AcquireObject(object);
+}
+
+void CLeaks::ReleaseObject(const CObject* object)
+{
+    if (s_instance)
+        s_instance->ReleaseObject(object);
 }
 
 void CLeaks::DestroyObject(const CObject* object)

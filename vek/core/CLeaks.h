@@ -45,6 +45,9 @@ private:
     friend class CLeaksTable;
     static void CreateObject(const CObject* object);
     static void DestroyObject(const CObject* object);
+    // Stack mode records where each reference of a tracked object was taken.
+    static void AcquireObject(const CObject* object);
+    static void ReleaseObject(const CObject* object);
 
     static std::atomic<int32_t> s_mode;
     static CLeaksTable* s_instance;

@@ -53,8 +53,11 @@ CObject* CObject::CreateForLock()
 
 void CObject::Release() const
 {
-    if (m_count.fetch_sub(1, std::memory_order_acq_rel) - 1 > 0)
+    if (m_count.fetch_sub(1, std::memory_order_acq_rel) - 1 > 0) {
+        if (CLeaks::IsTracking())
+            CLeaks::ReleaseObject(this);
         return;
+    }
     if (!m_reclaim) {
         Destroy();
         return;

@@ -16,6 +16,7 @@
 #include <atomic>
 #include <cstddef>
 
+#include <vek/core/CLeaks.h>
 #include <vek/core/Types.h>
 
 namespace Quorvex::Vek {
@@ -30,7 +31,12 @@ public:
     // free-standing lock.
     static CObject* CreateForLock();
 
-    void Acquire() const { m_count.fetch_add(1, std::memory_order_relaxed); }
+    void Acquire() const
+    {
+        m_count.fetch_add(1, std::memory_order_relaxed);
+        if (CLeaks::IsTracking())
+            CLeaks::AcquireObject(this);
+    }
     void Release() const;
 
     uint32_t GetType() const { return m_type; }
