@@ -140,4 +140,30 @@ CString* CContainerContext::DirectoryOf(CString* path)
     return new (std::nothrow) CString(text, int32_t(last - text + 1));
 }
 
+CString* CContainerContext::Resolve(CString* name)
+{
+    name->Acquire();
+    return name;
+}
+
+int CContainerContext::OpenStream(const ReaderSettings& reader, CString* name, CStream*& result)
+{
+    if (!name)
+        return RESULT_ARGUMENT_NULL;
+    RObject<CString> path = Resolve(name);
+    if (!path)
+        return RESULT_OUT_OF_MEMORY;
+    return OpenForReading(path, reader, result);
+}
+
+int CContainerContext::OpenStream(const WriterSettings&, CString* name, CStream*& result)
+{
+    if (!name)
+        return RESULT_ARGUMENT_NULL;
+    RObject<CString> path = Resolve(name);
+    if (!path)
+        return RESULT_OUT_OF_MEMORY;
+    return OpenForWriting(path, result);
+}
+
 } // namespace Quorvex::Vek

@@ -48,10 +48,11 @@ public:
     virtual CString* GetCurrentFilePath();
 
     // Opens `name` for a reader: -19004 for a null name, the open's code
-    // on failure, otherwise 0 with the stream in `result`.
-    virtual int OpenStream(const ReaderSettings& reader, CString* name, CStream*& result) = 0;
+    // on failure, otherwise 0 with the stream in `result`. File-based
+    // contexts open the path that Resolve makes of the name.
+    virtual int OpenStream(const ReaderSettings& reader, CString* name, CStream*& result);
     // Opens `name` for a writer, likewise.
-    virtual int OpenStream(const WriterSettings& writer, CString* name, CStream*& result) = 0;
+    virtual int OpenStream(const WriterSettings& writer, CString* name, CStream*& result);
 
 protected:
     CContainerContext(uint32_t type, CArray<CString>* names);
@@ -59,6 +60,10 @@ protected:
 
     // Makes the array every context starts with; null when out of memory.
     static CArray<CString>* NewNameList();
+
+    // The file path a name stands for in this context: a new reference,
+    // or null when out of memory. The base takes the name as it is.
+    virtual CString* Resolve(CString* name);
 
     // A file opened for reading as the settings ask, wrapped in a buffered
     // stream of ReadBufferBlocks blocks when bufferSize is 1 or more.

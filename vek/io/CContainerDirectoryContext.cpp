@@ -82,24 +82,4 @@ CString* CContainerDirectoryContext::GetCurrentFilePath()
     return name ? Resolve(name) : nullptr;
 }
 
-int CContainerDirectoryContext::OpenStream(const ReaderSettings& reader, CString* name, CStream*& result)
-{
-    if (!name)
-        return RESULT_ARGUMENT_NULL;
-    RObject<CString> path = Resolve(name);
-    if (!path)
-        return RESULT_OUT_OF_MEMORY;
-    return OpenForReading(path, reader, result);
-}
-
-int CContainerDirectoryContext::OpenStream(const WriterSettings&, CString* name, CStream*& result)
-{
-    if (!name)
-        return RESULT_ARGUMENT_NULL;
-    RObject<CString> path = Resolve(name);
-    if (!path)
-        return RESULT_OUT_OF_MEMORY;
-    return OpenForWriting(path, result);
-}
-
 } // namespace Quorvex::Vek

@@ -25,16 +25,13 @@ public:
     int AddFilePath(CString* path) override;
     CString* GetCurrentFilePath() override;
 
-    int OpenStream(const ReaderSettings& reader, CString* name, CStream*& result) override;
-    int OpenStream(const WriterSettings& writer, CString* name, CStream*& result) override;
-
 protected:
     CContainerDirectoryContext(CArray<CString>* names, CString* path);
     ~CContainerDirectoryContext() override;
 
-private:
-    CString* Resolve(CString* name);
+    CString* Resolve(CString* name) override;
 
+private:
     RObject<CString> m_path;
 };
 

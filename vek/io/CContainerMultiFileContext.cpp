@@ -106,24 +106,4 @@ CString* CContainerMultiFileContext::Resolve(CString* name)
     return JoinPath(directory, name);
 }
 
-int CContainerMultiFileContext::OpenStream(const ReaderSettings& reader, CString* name, CStream*& result)
-{
-    if (!name)
-        return RESULT_ARGUMENT_NULL;
-    RObject<CString> path = Resolve(name);
-    if (!path)
-        return RESULT_OUT_OF_MEMORY;
-    return OpenForReading(path, reader, result);
-}
-
-int CContainerMultiFileContext::OpenStream(const WriterSettings&, CString* name, CStream*& result)
-{
-    if (!name)
-        return RESULT_ARGUMENT_NULL;
-    RObject<CString> path = Resolve(name);
-    if (!path)
-        return RESULT_OUT_OF_MEMORY;
-    return OpenForWriting(path, result);
-}
-
 } // namespace Quorvex::Vek

@@ -60,16 +60,13 @@ public:
     // (and `info` null) when there is none.
     bool GetFirstCtxInfoOfType(unsigned int kind, CMultiFileCtxInfo*& info);
 
-    int OpenStream(const ReaderSettings& reader, CString* name, CStream*& result) override;
-    int OpenStream(const WriterSettings& writer, CString* name, CStream*& result) override;
-
 protected:
     CContainerMultiFileContext(CArray<CString>* names, CArray<CMultiFileCtxInfo>* entries);
     ~CContainerMultiFileContext() override;
 
-private:
-    CString* Resolve(CString* name);
+    CString* Resolve(CString* name) override;
 
+private:
     RObject<CArray<CMultiFileCtxInfo>> m_entries;
 };
 
