@@ -173,6 +173,12 @@ TEST(CByteArray, ClearRanges)
     EXPECT_TRUE(bytes->Equals(reinterpret_cast<const unsigned char*>("\0\0\0\0\0\0"), 6));
     Bytes empty(new CByteArray(0));
     EXPECT_EQ(empty->Clear(0, 0), RESULT_ERROR);
+    // A view of null memory has no data: it neither clears nor grows a
+    // buffer of its own.
+    Bytes nullView(new CByteArray(8, nullptr, nullptr));
+    EXPECT_EQ(nullView->Clear(0, 4), RESULT_ERROR);
+    EXPECT_EQ(nullView->GetData(), nullptr);
+    EXPECT_EQ(nullView->GetHashCode(), 0);
 }
 
 TEST(CByteArray, Comparisons)

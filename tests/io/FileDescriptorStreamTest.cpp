@@ -510,3 +510,20 @@ TEST(FileDescriptorStream, OffsetsPastFourGigabytes)
         EXPECT_EQ(std::memcmp(direct, mark.data(), 8), 0) << c.position;
     }
 }
+
+#if !VEK_PLATFORM_WINDOWS
+// A POSIX file name is bytes, not necessarily UTF-8: a Latin-1 name made
+// by another program must open as it stands.
+TEST(FileDescriptorStream, NameThatIsNotUtf8Opens)
+{
+    TempDir dir;
+    const std::string path = dir.File("caf\xE9.wav");
+    ASSERT_TRUE(VekTest::WriteFile(path, "RIFF"));
+    int result = 0;
+    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    ASSERT_EQ(result, 0);
+    unsigned char bytes[4] = {};
+    EXPECT_EQ(stream->Read(bytes, 4), 4);
+    EXPECT_EQ(std::memcmp(bytes, "RIFF", 4), 0);
+}
+#endif

@@ -231,3 +231,18 @@ TEST(MemoryStream, WritesAtTheLastPositionAreRefused)
         EXPECT_EQ(stream->GetPosition(), c.position);
     }
 }
+
+// Appending a stream's own bytes to itself grows the array mid-write: the
+// copy must read from the old array before it is let go.
+TEST(MemoryStream, WriteFromItsOwnBufferWhileGrowing)
+{
+    RObject<CMemoryStream> stream(new CMemoryStream());
+    const std::vector<unsigned char> seed = Iota(32, 1);
+    ASSERT_EQ(stream->Write(seed.data(), 32), 32);
+    ASSERT_EQ(stream->GetCapacity(), 32);
+    ASSERT_EQ(stream->Write(stream->GetData(), 32), 32);
+    ASSERT_GT(stream->GetCapacity(), 32);
+    ASSERT_EQ(stream->GetLength(), 64);
+    EXPECT_EQ(std::memcmp(stream->GetData(), seed.data(), 32), 0);
+    EXPECT_EQ(std::memcmp(stream->GetData() + 32, seed.data(), 32), 0);
+}

@@ -21,7 +21,7 @@ CByteArray::CByteArray(const unsigned char* src, int32_t length) : CObject(Type)
 }
 
 CByteArray::CByteArray(int32_t length, unsigned char* data, CObject* owner)
-    : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data)
+    : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data), m_foreign(true)
 {
     SetOwner(owner);
 }
@@ -48,7 +48,9 @@ bool CByteArray::AllocateInternalBuffer()
 {
     if (m_data)
         return true;
-    if (m_length == 0)
+    // A view of null memory has no data; memory of its own would silently
+    // detach it from whatever it was meant to show.
+    if (m_length == 0 || m_foreign)
         return false;
     m_owned = new (std::nothrow) unsigned char[std::size_t(m_length)]();
     if (!m_owned) {
@@ -76,6 +78,7 @@ unsigned char CByteArray::GetData(int32_t index)
 void CByteArray::SetData(unsigned char* data)
 {
     m_data = data;
+    m_foreign = true;
 }
 
 int CByteArray::GetData(int32_t offset, int32_t length, CByteArray** out)
@@ -124,6 +127,7 @@ int CByteArray::SetData(CByteArray* source, int32_t offset)
     }
     SetOwner(source);
     m_data = data ? data + offset : nullptr;
+    m_foreign = true;
     return RESULT_OK;
 }
 

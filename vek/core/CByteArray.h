@@ -24,7 +24,8 @@ public:
 
     int32_t GetLength() const { return m_length; }
     // The first byte (allocating owned memory on first need); null on
-    // allocation failure or for a zero-length array without memory.
+    // allocation failure, for a zero-length array without memory, and for
+    // a view of null memory (which never allocates).
     unsigned char* GetData();
     // One byte; 0 when out of range.
     unsigned char GetData(int32_t index);
@@ -71,6 +72,9 @@ private:
     int32_t m_length;
     unsigned char* m_owned = nullptr;
     unsigned char* m_data = nullptr;
+    // Set for views and repointed arrays: their memory is someone else's,
+    // and null memory is never replaced by a buffer of their own.
+    bool m_foreign = false;
     RObject<CObject> m_owner;
     // The owner when it is a byte array, which then counts this array among
     // its views.

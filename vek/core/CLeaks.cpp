@@ -2,6 +2,8 @@
 
 #include <vek/core/CLock.h>
 #include <vek/core/CObject.h>
+#include <vek/core/FaultInjection.h>
+#include <vek/core/FormattedText.h>
 #include <vek/core/Log.h>
 #include <vek/platform/Backtrace.h>
 
@@ -47,6 +49,18 @@ struct Entry {
     int64_t acquireTotal = 0;
     int64_t releaseTotal = 0; // releases that did not end the object
 };
+
+// The tracker's records live in malloc memory (freed with std::free); the
+// failure hook of test builds applies to them as to every allocation.
+void* TrackerAllocate(size_t size)
+{
+    return FaultInjection::ShouldFailAllocation() ? nullptr : std::malloc(size);
+}
+
+void* TrackerReallocate(void* p, size_t size)
+{
+    return FaultInjection::ShouldFailAllocation() ? nullptr : std::realloc(p, size);
+}
 
 void FreeEntry(Entry& entry)
 {
@@ -103,7 +117,7 @@ public:
     int32_t End(int32_t mode);
     void SetCallback(char* (*callback)(void))
     {
-        // Under the lock: a report being written on another thread reads it.
+        // Under the lock: a report being started on another thread reads it.
         m_lock.Enter();
         m_callback = callback;
         m_lock.Exit();
@@ -119,9 +133,9 @@ private:
     static ReferenceLeak Examine(const Entry& entry);
     void WriteReferenceLines(const std::vector<const Entry*>& entries);
     bool Wanted(const CObject* object) const;
-    void WriteReport();
+    void WriteReport(const std::string& label);
     void AddLineToScratch(const char* format, ...) VEK_PRINTF(2, 3);
-    std::string Label() const;
+    std::string Label();
 
     CLock m_lock;
     // Atomic: AddObject reads it before taking the lock, while another
@@ -153,7 +167,17 @@ void CLeaksTable::Reset(int capacityStep)
 void CLeaksTable::Begin(int32_t mode, uint32_t type)
 {
     m_lock.Enter();
-    Reset(0);
+    try {
+        Reset(0);
+    } catch (const std::bad_alloc&) {
+        // Without a table nothing can be tracked: stay off and say so.
+        m_table.clear();
+        m_live = 0;
+        CLeaks::s_mode.exchange(CLeaks::Off);
+        m_lock.Exit();
+        Log(LogLevel::Error, "CLeaks::Mark: RESULT_OUT_OF_MEMORY: tracking stays off\n");
+        return;
+    }
     m_total = 0;
     m_peak = 0;
     m_probeSum = 0;
@@ -211,7 +235,7 @@ void CLeaksTable::AddObject(const CObject* object)
         return;
     Backtrace* creation = nullptr;
     if (CLeaks::s_mode.load() >= CLeaks::Stack) {
-        creation = static_cast<Backtrace*>(std::malloc(sizeof(Backtrace)));
+        creation = static_cast<Backtrace*>(TrackerAllocate(sizeof(Backtrace)));
         if (creation)
             creation->count = Platform::CaptureBacktrace(creation->frames, kMaxFrames, kTrackerFrames);
     }
@@ -294,7 +318,7 @@ void CLeaksTable::AcquireObject(const CObject* object)
         ++entry->acquireTotal;
         if (entry->acquireCount == entry->acquireCapacity && entry->acquireCapacity < kMaxAcquireRecords) {
             const int32_t capacity = entry->acquireCapacity ? entry->acquireCapacity * 2 : 4;
-            if (void* grown = std::realloc(entry->acquires, sizeof(Backtrace) * size_t(capacity))) {
+            if (void* grown = TrackerReallocate(entry->acquires, sizeof(Backtrace) * size_t(capacity))) {
                 entry->acquires = static_cast<Backtrace*>(grown);
                 entry->acquireCapacity = capacity;
             }
@@ -379,29 +403,28 @@ void CLeaksTable::AddLineToScratch(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    va_list measure;
-    va_copy(measure, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, measure);
-    va_end(measure);
-    if (length > 0) {
-        std::string line(size_t(length) + 1, '\0');
-        std::vsnprintf(line.data(), line.size(), format, arguments);
-        line.resize(size_t(length));
-        m_scratch += line;
-    }
+    const FormattedText line(format, arguments);
     va_end(arguments);
+    if (line.Get())
+        m_scratch.append(line.Get(), size_t(line.Length()));
 }
 
-std::string CLeaksTable::Label() const
+// Calls the host's callback without the tracker's lock held and before any
+// pointer into the table is taken: the callback may make or free objects,
+// which re-enters the table (and may grow it).
+std::string CLeaksTable::Label()
 {
-    if (m_callback) {
-        if (const char* text = m_callback())
+    m_lock.Enter();
+    char* (*callback)(void) = m_live > 0 ? m_callback : nullptr;
+    m_lock.Exit();
+    if (callback) {
+        if (const char* text = callback())
             return text;
     }
     return "Leaked CObject";
 }
 
-void CLeaksTable::WriteReport()
+void CLeaksTable::WriteReport(const std::string& label)
 {
     // Group leaked objects by identical creation backtrace.
     std::map<std::vector<void*>, std::vector<const Entry*>> groups;
@@ -427,7 +450,6 @@ void CLeaksTable::WriteReport()
 
     unsigned long long trackable = 0, trackableGroups = 0, ambiguous = 0, ambiguousGroups = 0;
     long shown = 0;
-    const std::string label = Label();
     for (const auto& [frames, entries] : groups) {
         bool groupTrackable = true;
         for (const Entry* entry : entries)
@@ -462,11 +484,17 @@ void CLeaksTable::WriteReport()
 
 int32_t CLeaksTable::End(int32_t /*mode*/)
 {
+    std::string label;
+    try {
+        label = Label();
+    } catch (const std::bad_alloc&) {
+        // Reported without a label below.
+    }
     m_lock.Enter();
     const int32_t live = m_live;
     if (live > 0) {
         try {
-            WriteReport();
+            WriteReport(label);
         } catch (const std::bad_alloc&) {
             Log(LogLevel::Error, "CLeaks::ShowLeaksSinceMark: %ld leaks; no memory for the report\n", long(live));
         }

@@ -2,6 +2,7 @@
 
 #include <vek/core/CLeaks.h>
 #include <vek/core/CLock.h>
+#include <vek/core/FaultInjection.h>
 #include <vek/platform/System.h>
 
 #include <cstdlib>
@@ -70,8 +71,14 @@ void CObject::Release() const
     m_reclaim(self);
     const int32_t before = m_count.fetch_sub(1, std::memory_order_acq_rel);
     self->Exit();
-    if (before > 1)
-        return; // the hook kept a reference: the object lives on in its pool
+    if (before > 1) {
+        // The hook kept a reference (the pool's Acquire, which the tracker
+        // saw): count the release that handed the object back, or a pooled
+        // object would look like an unmatched acquire in the leak report.
+        if (CLeaks::IsTracking())
+            CLeaks::ReleaseObject(this);
+        return;
+    }
     Destroy();
 }
 
@@ -152,16 +159,26 @@ int CObject::Exit()
     return monitor ? monitor->Exit() : 0;
 }
 
-void* CObject::operator new(std::size_t size)
+void* CObject::operator new(std::size_t size) noexcept
 {
-    if (void* p = std::malloc(size ? size : 1))
-        return p;
-    throw std::bad_alloc();
+    if (FaultInjection::ShouldFailAllocation())
+        return nullptr;
+    return std::malloc(size ? size : 1);
 }
 
 void* CObject::operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
-    return std::malloc(size ? size : 1);
+    return operator new(size);
+}
+
+void* CObject::operator new(std::size_t size, const Fallible&) noexcept
+{
+    return operator new(size);
+}
+
+void CObject::operator delete(void* p, const Fallible&) noexcept
+{
+    std::free(p);
 }
 
 void CObject::operator delete(void* p) noexcept

@@ -16,6 +16,7 @@
 #include <atomic>
 #include <cstddef>
 
+#include <vek/core/Allocation.h>
 #include <vek/core/CLeaks.h>
 #include <vek/core/Types.h>
 
@@ -58,10 +59,14 @@ public:
     int32_t GetReferenceCount() const { return m_count.load(std::memory_order_relaxed); }
     bool HasMonitor() const { return m_monitor.load(std::memory_order_acquire) != nullptr; }
 
-    static void* operator new(std::size_t size);
+    // Both forms are non-throwing: without memory `new CString(...)` is null
+    // and no constructor runs, so no library object creation ever throws.
+    static void* operator new(std::size_t size) noexcept;
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+    static void* operator new(std::size_t size, const Fallible&) noexcept;
     static void operator delete(void* p) noexcept;
     static void operator delete(void* p, const std::nothrow_t&) noexcept;
+    static void operator delete(void* p, const Fallible&) noexcept;
 
     // Scope guard: Enter on construction, Exit on destruction (null-safe).
     class VEK_API CAutoLock {

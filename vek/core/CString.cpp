@@ -3,6 +3,7 @@
 #include <vek/core/CArray.h>
 #include <vek/core/CByteArray.h>
 #include <vek/core/CharClass.h>
+#include <vek/core/FormattedText.h>
 #include <vek/core/Log.h>
 #include <vek/platform/TextCodec.h>
 
@@ -183,8 +184,10 @@ CString::~CString()
     delete[] m_wchars.load(std::memory_order_acquire);
 }
 
-// Keeps well-formed UTF-8 as it is (the UTF-16 form follows on demand);
-// ill-formed input is converted at once so both forms agree on U+FFFD.
+// Keeps the given bytes exactly as the UTF-8 form, valid UTF-8 or not: a
+// POSIX file name or a decoded URL may hold any byte and must reach the file
+// system unchanged. Only the UTF-16 form, made on demand, substitutes U+FFFD
+// for ill-formed parts, and lengths count the units of that form.
 bool CString::InitFromUtf8(const char* text, int32_t length)
 {
     if (!text || length <= 0)
@@ -197,18 +200,6 @@ bool CString::InitFromUtf8(const char* text, int32_t length)
     if (units < 0 || units > kMaxLength) {
         Log(LogLevel::Error, "CString::InitFromUtf8: text too long (%d bytes)\n", length);
         return false;
-    }
-    if (!Platform::IsWellFormedUtf8(text, length)) {
-        WChar* wide = new (std::nothrow) WChar[std::size_t(units) + 1];
-        if (!wide) {
-            Log(LogLevel::Error, "CString::InitFromUtf8: out of memory for %d units\n", units);
-            return false;
-        }
-        Platform::Utf8ToUtf16(text, length, wide, units);
-        wide[units] = 0;
-        m_wchars.store(wide, std::memory_order_release);
-        m_length = units;
-        return true;
     }
     char* narrow = new (std::nothrow) char[std::size_t(length) + 1];
     if (!narrow) {
@@ -449,6 +440,10 @@ CString* CString::Concat(CString* a, const WChar* b)
 
 CString* CString::Clone()
 {
+    // From the bytes when they are the original form, so a clone of text
+    // that is not valid UTF-8 keeps its bytes too.
+    if (const char* chars = m_chars.load(std::memory_order_acquire))
+        return FromUtf8(chars, m_charsLength.load(std::memory_order_relaxed));
     return FromUnits(GetWChars(), m_length);
 }
 
@@ -736,7 +731,7 @@ CString* CString::Replace(char from, char to)
 
 CString* CString::Replace(WChar from, WChar to)
 {
-    CString* result = Clone();
+    CString* result = FromUnits(GetWChars(), m_length);
     if (!result || m_length == 0)
         return result;
     WChar* units = result->m_wchars.load(std::memory_order_relaxed);
@@ -1004,21 +999,12 @@ CString* CString::WithFormatV(const char* format, va_list arguments)
 {
     if (!format)
         return nullptr;
-    va_list measure;
-    va_copy(measure, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, measure);
-    va_end(measure);
-    if (length < 0 || length > kMaxLength) {
+    const FormattedText text(format, arguments);
+    if (!text.Get() || text.Length() > kMaxLength) {
         Log(LogLevel::Error, "CString::WithFormatV: cannot format \"%s\"\n", format);
         return nullptr;
     }
-    char* text = new (std::nothrow) char[std::size_t(length) + 1];
-    if (!text)
-        return nullptr;
-    std::vsnprintf(text, std::size_t(length) + 1, format, arguments);
-    CString* result = FromUtf8(text, length);
-    delete[] text;
-    return result;
+    return FromUtf8(text.Get(), text.Length());
 }
 
 } // namespace Quorvex::Vek

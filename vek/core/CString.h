@@ -2,7 +2,15 @@
 
 // Immutable, reference-counted text holding a UTF-8 and a UTF-16 form, each
 // made from the other on first demand and cached. Lengths and indices count
-// UTF-16 code units. Every operation that "changes" a string returns a new
+// UTF-16 code units.
+//
+// Text made from UTF-8 keeps exactly the bytes it was given as its UTF-8
+// form, even when they are not valid UTF-8 (a POSIX file name, a decoded
+// URL): GetChars hands them back unchanged and Clone keeps them. Only the
+// UTF-16 form substitutes U+FFFD for each ill-formed part, so lengths,
+// indices, searches and every operation that builds a new string work on
+// that converted form: Substring, Append, Replace and the like of such text
+// carry U+FFFD, not the original bytes. Every operation that "changes" a string returns a new
 // CString owned by the caller (count 1); null results mean "no string"
 // (range errors, allocation failure), and callers treat a null CString* as
 // the missing or empty string. Operations noted "null-safe" accept a null
@@ -41,7 +49,7 @@ public:
     CString();
     CString(const char* text);
     // `length` in code units of the given encoding; a negative length reads
-    // up to the terminator. Ill-formed UTF-8 is kept as U+FFFD per bad part.
+    // up to the terminator. Ill-formed UTF-8 is kept byte for byte (see above).
     CString(const char* text, int32_t length);
     CString(const WChar* text);
     CString(const WChar* text, int32_t length);

@@ -32,6 +32,25 @@ VEK_API int DigitValue(WChar c);
 // Value of c as a hexadecimal digit (0-9, a-f, A-F), or -1.
 VEK_API int HexDigitValue(WChar c);
 
+// ASCII-only case rules for protocol text (URL schemes, hosts, media types,
+// four-character codes), where Latin-1 folding would be wrong.
+constexpr char ToLowerAscii(char c)
+{
+    return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c;
+}
+constexpr bool IsAsciiLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+// True when the first `length` bytes of a and b match ignoring ASCII case.
+constexpr bool EqualsIgnoreAsciiCase(const char* a, const char* b, int32_t length)
+{
+    for (int32_t i = 0; i < length; ++i)
+        if (ToLowerAscii(a[i]) != ToLowerAscii(b[i]))
+            return false;
+    return true;
+}
+
 // Parses `length` units (the text need not be terminated).
 VEK_API int64_t ParseInteger(const WChar* text, int32_t length, int base, int64_t minimum, int64_t maximum);
 // Leading IsSpace units, an optional sign, then the longest decimal

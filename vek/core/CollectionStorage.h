@@ -13,6 +13,7 @@
 #include <type_traits>
 #include <utility>
 
+#include <vek/core/Allocation.h>
 #include <vek/core/CObject.h>
 
 namespace Quorvex::Vek::Detail {
@@ -39,7 +40,7 @@ public:
     ~GrowBuffer()
     {
         Clear();
-        ::operator delete(m_items, std::nothrow);
+        FreeFallible(m_items);
     }
 
     int32_t Count() const { return m_count; }
@@ -56,14 +57,14 @@ public:
             return false;
         if (capacity <= m_capacity)
             return true;
-        auto* items = static_cast<E*>(::operator new(std::size_t(capacity) * sizeof(E), std::nothrow));
+        auto* items = static_cast<E*>(AllocateFallible(std::size_t(capacity) * sizeof(E)));
         if (!items)
             return false;
         for (int32_t i = 0; i < m_count; ++i) {
             new (items + i) E(std::move(m_items[i]));
             m_items[i].~E();
         }
-        ::operator delete(m_items, std::nothrow);
+        FreeFallible(m_items);
         m_items = items;
         m_capacity = capacity;
         return true;

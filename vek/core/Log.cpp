@@ -1,12 +1,14 @@
 #include <vek/core/Log.h>
 
+#include <vek/core/FormattedText.h>
 #include <vek/platform/LogSettings.h>
 
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <cstddef>
 #include <mutex>
-#include <vector>
+#include <new>
 
 namespace Quorvex::Vek {
 
@@ -19,7 +21,9 @@ public:
     static LogChannel& Instance()
     {
         // Never destroyed: objects released during process exit may still log.
-        static LogChannel* channel = new LogChannel();
+        // Made once, in static storage: the first log line may be written
+        // when the heap is exhausted.
+        static LogChannel* channel = new (s_storage) LogChannel();
         return *channel;
     }
 
@@ -28,7 +32,13 @@ public:
     void Reload()
     {
         std::lock_guard<std::mutex> guard(m_lock);
-        const Platform::LogSettings settings = Platform::ReadLogSettings(kChannel);
+        Platform::LogSettings settings;
+        try {
+            settings = Platform::ReadLogSettings(kChannel);
+        } catch (const std::bad_alloc&) {
+            // Keep the settings in force; there is no memory to read new ones.
+            return;
+        }
         int level = 0;
         if (settings.hasLogLevel)
             level = std::atoi(settings.logLevel.c_str());
@@ -64,7 +74,11 @@ private:
     std::mutex m_lock;
     std::atomic<int> m_level{0};
     std::FILE* m_file = nullptr;
+
+    alignas(alignof(std::max_align_t)) static unsigned char s_storage[];
 };
+
+alignas(alignof(std::max_align_t)) unsigned char LogChannel::s_storage[sizeof(LogChannel)];
 
 } // namespace
 
@@ -87,15 +101,11 @@ void LogV(int level, const char* format, va_list arguments)
 {
     if (!format || !IsLogEnabled(level))
         return;
-    va_list measure;
-    va_copy(measure, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, measure);
-    va_end(measure);
-    if (length < 0)
-        return;
-    std::vector<char> text(size_t(length) + 1);
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    LogChannel::Instance().Write(text.data());
+    const FormattedText text(format, arguments);
+    if (text.Get())
+        LogChannel::Instance().Write(text.Get());
+    else
+        LogChannel::Instance().Write("Log: message not written: out of memory or bad format\n");
 }
 
 void Log(int level, const char* format, ...)

@@ -2,10 +2,27 @@
 
 // Owning smart pointer over a CObject-derived T.
 //
-// Construction from T* ADOPTS the caller's reference (no Acquire): creating
+// Construction from T* ADOPTS the caller's reference (no Acquire) and is
+// explicit, so every adoption is visible at its call site: creating
 // functions return objects at count 1 that go straight into an RObject.
-// Copies share (Acquire). Assignment from T* releases the old object and
-// adopts the new pointer; assigning the pointer already held does nothing.
+// FromObject shares (Acquire). Copies share. Assignment from T* releases the
+// old object and adopts the new pointer; assigning the pointer already held
+// does nothing.
+//
+// Which calls hand back a reference, library-wide:
+// - New references (the caller releases them): constructors via new,
+//   static Create... functions, and every member whose name says it makes
+//   something: Create..., Clone, To... conversions (ToByteArray, ToBytes),
+//   string operations that return a new CString (Append, Substring, ...),
+//   and getters documented "with one more reference" (CMemoryStream::
+//   GetBuffer, the URI part getters). Out-parameters of type T** are always
+//   new references.
+// - Borrowed pointers (valid while the owner lives and is not changed; the
+//   caller Acquires to keep one): plain accessors of held members such as
+//   CBufferedStream::GetInner, CArray::Get, CDictionary lookups, and the
+//   cached text of CString::GetChars/GetWChars.
+// A header says "new reference" or "borrowed" wherever a getter is not
+// obviously one of these.
 #include <utility>
 
 #include <vek/core/CObject.h>

@@ -109,19 +109,11 @@ int64_t CBufferedStream::GetAvailableLength()
 
 int CBufferedStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition)
 {
-    int64_t base = 0;
-    bool known = true;
-    switch (origin) {
-    case Begin: base = 0; break;
-    case Current: base = m_position; break;
-    case End: base = m_length; break;
-    default: known = false; break;
-    }
-    if (known) {
-        int64_t target = 0;
-        if (__builtin_add_overflow(base, offset, &target) || target < 0)
-            return RESULT_ARGUMENT_OUT_OF_RANGE;
-        m_position = target;
+    int64_t target = 0;
+    switch (ResolveSeek(offset, origin, m_position, m_length, INT64_MAX, target)) {
+    case SeekTarget::OutOfRange: return RESULT_ARGUMENT_OUT_OF_RANGE;
+    case SeekTarget::Known: m_position = target; break;
+    case SeekTarget::Unknown: break;
     }
     if (newPosition)
         *newPosition = m_position;
@@ -152,23 +144,26 @@ CBufferedStream::CCacheBlock* CBufferedStream::PickVictim()
 // loaded from the inner stream when `load` is set and left empty otherwise
 // (for a write that covers the whole block). `fresh` tells whether the
 // block was just read from the inner stream.
+int32_t CBufferedStream::CachedIndex(int64_t start) const
+{
+    if (BlockAt(m_lastHit)->start == start)
+        return m_lastHit;
+    for (int32_t i = 0; i < GetBlockCount(); ++i)
+        if (BlockAt(i)->start == start)
+            return i;
+    return -1;
+}
+
 int CBufferedStream::FindBlock(int64_t position, bool load, CCacheBlock*& block, bool& fresh)
 {
     const int64_t start = position / m_blockSize * m_blockSize;
     fresh = false;
-    CCacheBlock* last = BlockAt(m_lastHit);
-    if (last->start == start) {
-        block = last;
+    const int32_t cached = CachedIndex(start);
+    if (cached >= 0) {
+        m_lastHit = cached;
+        block = BlockAt(cached);
         block->lastUse = ++m_clock;
         return 0;
-    }
-    for (int32_t i = 0; i < GetBlockCount(); ++i) {
-        if (BlockAt(i)->start == start) {
-            m_lastHit = i;
-            block = BlockAt(i);
-            block->lastUse = ++m_clock;
-            return 0;
-        }
     }
     CCacheBlock* victim = PickVictim();
     if (victim->dirty) {
@@ -282,19 +277,6 @@ int CBufferedStream::WriteBack(CCacheBlock& block)
     return 0;
 }
 
-int CBufferedStream::WriteBackOverlapping(int64_t start, int64_t end)
-{
-    for (int32_t i = 0; i < GetBlockCount(); ++i) {
-        CCacheBlock* block = BlockAt(i);
-        if (block->dirty && block->start < end && block->End() > start) {
-            const int result = WriteBack(*block);
-            if (result < 0)
-                return result;
-        }
-    }
-    return 0;
-}
-
 // Cached blocks that ended short at the old end read the new gap as zeros.
 void CBufferedStream::ExtendLength(int64_t length)
 {
@@ -343,29 +325,35 @@ int CBufferedStream::Read(unsigned char* buffer, int32_t count)
     return got;
 }
 
+// Every byte a cached block covers comes from that block (dirty or not);
+// other bytes are loaded a whole aligned block at a time. Only a run of
+// whole aligned blocks that none of the cache holds goes straight from the
+// inner stream into the caller's buffer, so the inner stream only ever sees
+// aligned reads of whole blocks.
 int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
 {
     int32_t got = 0;
-    bool direct = true;
     // Set once the inner stream has come up short in this call: it is not
     // asked again (a growing file would make each ask wait anew).
     bool innerEnded = false;
     while (got < count) {
         const int64_t position = m_position + got;
         const int32_t remaining = count - got;
-        if (direct && remaining >= m_blockSize) {
-            const int result = ReadDirect(position, buffer + got, remaining);
-            if (result < 0)
-                return result;
-            got += result;
-            if (result == remaining)
+        if (!innerEnded) {
+            const int32_t run = UncachedRun(position, remaining);
+            if (run > 0) {
+                const int result = ReadInner(position, buffer + got, run);
+                if (result < 0)
+                    return result;
+                got += result;
+                if (result == run)
+                    continue;
+                innerEnded = true;
+                // Short: the rest may lie in a gap only the cache knows about.
+                if (position + result >= m_length)
+                    break;
                 continue;
-            // Short: the rest may lie in a gap only the cache knows about.
-            if (position + result >= m_length)
-                break;
-            direct = false;
-            innerEnded = true;
-            continue;
+            }
         }
         CCacheBlock* block = nullptr;
         bool fresh = false;
@@ -390,10 +378,16 @@ int CBufferedStream::ReadCached(unsigned char* buffer, int32_t count)
     return got;
 }
 
-int CBufferedStream::ReadDirect(int64_t position, unsigned char* buffer, int32_t count)
+// Bytes from `position` (when it starts a block) that make whole blocks of
+// which the cache holds none, up to `count`; 0 when none qualify.
+int32_t CBufferedStream::UncachedRun(int64_t position, int32_t count) const
 {
-    const int result = WriteBackOverlapping(position, position + count);
-    return result < 0 ? result : ReadInner(position, buffer, count);
+    if (position % m_blockSize != 0)
+        return 0;
+    int32_t run = 0;
+    while (count - run >= m_blockSize && CachedIndex(position + run) < 0)
+        run += m_blockSize;
+    return run;
 }
 
 int CBufferedStream::PassThroughRead(unsigned char* buffer, int32_t count)

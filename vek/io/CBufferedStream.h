@@ -8,10 +8,12 @@
 // Eviction: when no block covers a position, the least recently used
 // block is reused (empty blocks first). A dirty victim is written back
 // before it is reused; if that fails the operation fails and the block
-// keeps its data. Reads of at least one block size bypass the cache and go
-// straight to the inner stream into the caller's buffer (after writing
-// back any dirty block they overlap), so large sequential reads cost one
-// inner read each and small ones one inner read per block.
+// keeps its data. Every byte that a cached block covers is served from that
+// block; other bytes are loaded one aligned block at a time, except that a
+// run of whole aligned blocks the cache does not hold is read straight into
+// the caller's buffer. The inner stream only ever sees aligned reads of whole
+// blocks, so large sequential reads cost about one inner read each and
+// small ones one inner read per block.
 //
 // A short answer from the inner stream ends the inner read unless the
 // stream's available length says more is there (or is unknown), and a
@@ -80,7 +82,9 @@ protected:
 
 private:
     int ReadCached(unsigned char* buffer, int32_t count);
-    int ReadDirect(int64_t position, unsigned char* buffer, int32_t count);
+    int32_t UncachedRun(int64_t position, int32_t count) const;
+    // Index of the block holding the aligned `start`, or -1.
+    int32_t CachedIndex(int64_t start) const;
     int WriteCached(const unsigned char* buffer, int32_t count);
     int PassThroughRead(unsigned char* buffer, int32_t count);
     int PassThroughWrite(const unsigned char* buffer, int32_t count);
@@ -93,7 +97,6 @@ private:
     int ReadInner(int64_t position, unsigned char* buffer, int32_t count);
     bool InnerHasMore(int64_t position);
     int WriteBack(CCacheBlock& block);
-    int WriteBackOverlapping(int64_t start, int64_t end);
     // Every block from the last to the first, stopping at the first failure.
     int WriteBackAll();
     void ExtendLength(int64_t length);

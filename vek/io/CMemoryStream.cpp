@@ -115,26 +115,20 @@ int32_t CMemoryStream::ReadByte()
 
 int CMemoryStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition)
 {
-    bool known = true;
-    int64_t base = 0;
-    switch (origin) {
-    case Begin: base = 0; break;
-    case Current: base = m_position; break;
-    case End: base = m_length; break;
-    default: known = false; break;
-    }
-    if (known) {
-        int64_t target = 0;
-        if (__builtin_add_overflow(base, offset, &target) || uint64_t(target) > uint64_t(kMaxSize))
-            return RESULT_ARGUMENT_OUT_OF_RANGE;
-        m_position = target;
+    int64_t target = 0;
+    switch (ResolveSeek(offset, origin, m_position, m_length, kMaxSize, target)) {
+    case SeekTarget::OutOfRange: return RESULT_ARGUMENT_OUT_OF_RANGE;
+    case SeekTarget::Known: m_position = target; break;
+    case SeekTarget::Unknown: break;
     }
     if (newPosition)
         *newPosition = m_position;
     return 0;
 }
 
-void CMemoryStream::Expand(int64_t needed)
+// The old array goes to `retired` instead of being released: a write may be
+// copying from it (a stream written from its own GetData()).
+void CMemoryStream::Expand(int64_t needed, RObject<CByteArray>& retired)
 {
     if (!m_growable || needed <= m_capacity || needed > kMaxSize)
         return;
@@ -150,18 +144,19 @@ void CMemoryStream::Expand(int64_t needed)
     }
     if (m_data && m_length > 0)
         std::memcpy(data, m_data, size_t(m_length));
+    retired = std::move(m_buffer);
     m_buffer = grown;
     m_data = data;
     m_capacity = capacity;
 }
 
-int CMemoryStream::PrepareWrite(int32_t count)
+int CMemoryStream::PrepareWrite(int32_t count, RObject<CByteArray>& retired)
 {
     if (!m_data || m_position < 0)
         return RESULT_END_OF_STREAM;
     if (count < 0)
         return RESULT_ARGUMENT_OUT_OF_RANGE;
-    Expand(m_position + count);
+    Expand(m_position + count, retired);
     if (m_position + count > m_capacity)
         return RESULT_ARGUMENT_OUT_OF_RANGE;
     return 0;
@@ -183,7 +178,8 @@ int CMemoryStream::Write(CByteArray* buffer)
 
 int CMemoryStream::Write(const unsigned char* buffer, int32_t count)
 {
-    const int result = PrepareWrite(count);
+    RObject<CByteArray> retired; // keeps `buffer` alive if it lay in the old array
+    const int result = PrepareWrite(count, retired);
     if (result < 0)
         return result;
     if (count > 0) {
@@ -197,7 +193,8 @@ int CMemoryStream::Write(const unsigned char* buffer, int32_t count)
 
 int CMemoryStream::Write(unsigned char value, int32_t count)
 {
-    const int result = PrepareWrite(count);
+    RObject<CByteArray> retired;
+    const int result = PrepareWrite(count, retired);
     if (result < 0)
         return result;
     std::memset(m_data + m_position, value, size_t(count));
@@ -209,7 +206,8 @@ int CMemoryStream::WriteByte(unsigned char value)
 {
     if (!m_data || m_position < 0)
         return RESULT_END_OF_STREAM;
-    Expand(m_position + 1);
+    RObject<CByteArray> retired;
+    Expand(m_position + 1, retired);
     if (!m_data || m_position >= m_capacity)
         return RESULT_END_OF_STREAM;
     m_data[m_position] = value;

@@ -72,10 +72,10 @@ protected:
 
 private:
     void Attach(CByteArray* buffer, int32_t offset);
-    void Expand(int64_t needed);
+    void Expand(int64_t needed, RObject<CByteArray>& retired);
     // Common checks of the block and fill writes; 0 when `count` bytes may
     // be stored at the position.
-    int PrepareWrite(int32_t count);
+    int PrepareWrite(int32_t count, RObject<CByteArray>& retired);
     void Advance(int32_t count);
 
     RObject<CByteArray> m_buffer;

@@ -1,5 +1,7 @@
 #include <vek/io/CStream.h>
 
+#include <vek/core/CheckedMath.h>
+
 #include <vek/core/CByteArray.h>
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
@@ -76,6 +78,21 @@ int32_t CStream::ReadByte()
     if (Read(&value, 1) != 1)
         return -1;
     return value;
+}
+
+CStream::SeekTarget CStream::ResolveSeek(int64_t offset, SeekOrigin origin, int64_t position, int64_t length,
+                                         int64_t maximum, int64_t& target)
+{
+    int64_t base = 0;
+    switch (origin) {
+    case Begin: base = 0; break;
+    case Current: base = position; break;
+    case End: base = length; break;
+    default: return SeekTarget::Unknown;
+    }
+    if (!Checked::Add(base, offset, &target) || target < 0 || target > maximum)
+        return SeekTarget::OutOfRange;
+    return SeekTarget::Known;
 }
 
 int CStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition)

@@ -57,6 +57,14 @@ public:
     virtual void Close();
 
 protected:
+    // The absolute target of a seek for streams that keep their own position
+    // and length. Unknown: the origin is not Begin/Current/End (such a seek
+    // only reports the position); OutOfRange: the sum overflows or leaves
+    // 0..maximum.
+    enum class SeekTarget { Known, Unknown, OutOfRange };
+    static SeekTarget ResolveSeek(int64_t offset, SeekOrigin origin, int64_t position, int64_t length,
+                                  int64_t maximum, int64_t& target);
+
     explicit CStream(uint32_t type = 0);
     ~CStream() override;
 };
