@@ -8,12 +8,12 @@ namespace Quorvex::Vek {
 
 ByteArray ByteArray::Create(int32_t length)
 {
-    return ByteArray(new (std::nothrow) CByteArray(length));
+    return ByteArray(new (fallible) CByteArray(length));
 }
 
 ByteArray ByteArray::Create(const unsigned char* bytes, int32_t length)
 {
-    auto* array = new (std::nothrow) CByteArray(bytes, length);
+    auto* array = CByteArray::Create(bytes, length);
     // The copy constructor cannot report a failed allocation; check here.
     if (array && array->GetLength() > 0 && !array->GetData()) {
         array->Release();

@@ -31,7 +31,7 @@ public:
     // is negative, too large or cannot be allocated.
     static CArray* Create(int32_t capacity = 0)
     {
-        auto* array = new (std::nothrow) CArray();
+        auto* array = new (fallible) CArray();
         if (array && !array->m_items.Reserve(capacity)) {
             array->Release();
             return nullptr;

@@ -20,6 +20,16 @@ CByteArray::CByteArray(const unsigned char* src, int32_t length) : CObject(Type)
         std::memcpy(m_data, src, std::size_t(m_length));
 }
 
+CByteArray* CByteArray::Create(const unsigned char* src, int32_t length)
+{
+    auto* array = new (fallible) CByteArray(src, length);
+    if (array && array->m_length > 0 && !array->m_data) {
+        array->Release();
+        return nullptr;
+    }
+    return array;
+}
+
 CByteArray::CByteArray(int32_t length, unsigned char* data, CObject* owner)
     : CObject(Type), m_length(length < 0 ? 0 : length), m_data(data), m_foreign(true)
 {
@@ -52,7 +62,7 @@ bool CByteArray::AllocateInternalBuffer()
     // detach it from whatever it was meant to show.
     if (m_length == 0 || m_foreign)
         return false;
-    m_owned = new (std::nothrow) unsigned char[std::size_t(m_length)]();
+    m_owned = new (fallible) unsigned char[std::size_t(m_length)]();
     if (!m_owned) {
         Log(LogLevel::Error, "CByteArray::AllocateInternalBuffer: out of memory for %d bytes\n", m_length);
         return false;
@@ -93,7 +103,7 @@ int CByteArray::GetData(int32_t offset, int32_t length, CByteArray** out)
     unsigned char* data = GetData();
     if (m_length > 0 && !data)
         return RESULT_OUT_OF_MEMORY;
-    auto* view = new (std::nothrow) CByteArray(length, data ? data + offset : nullptr, this);
+    auto* view = new (fallible) CByteArray(length, data ? data + offset : nullptr, this);
     if (!view)
         return RESULT_OUT_OF_MEMORY;
     *out = view;
@@ -218,7 +228,7 @@ int CByteArray::FromHexString(const char* text, CByteArray*& out)
         }
     }
     const int32_t count = int32_t((digits + 1) / 2);
-    auto* bytes = new (std::nothrow) CByteArray(count);
+    auto* bytes = new (fallible) CByteArray(count);
     unsigned char* data = bytes ? bytes->GetData() : nullptr;
     if (!bytes || (count > 0 && !data)) {
         if (bytes)

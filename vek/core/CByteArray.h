@@ -18,6 +18,10 @@ public:
     explicit CByteArray(int32_t length);
     // A copy of `length` bytes from src (nothing copied when src is null).
     CByteArray(const unsigned char* src, int32_t length);
+    // As that constructor, but null when the object or its bytes cannot be
+    // allocated, where the constructor would leave zeros. The library makes
+    // its copies this way.
+    static CByteArray* Create(const unsigned char* src, int32_t length);
     // A view on foreign memory; `owner` (may be null) is Acquired and keeps
     // the memory alive; the memory is never freed by this array.
     CByteArray(int32_t length, unsigned char* data, CObject* owner);

@@ -32,7 +32,7 @@ public:
     CDictionary() : CObject(Type) {}
 
     // Null on allocation failure.
-    static CDictionary* Create() { return new (std::nothrow) CDictionary(); }
+    static CDictionary* Create() { return new (fallible) CDictionary(); }
 
     int32_t GetCount() const { return m_entries.Count(); }
 
@@ -94,7 +94,7 @@ public:
         const int32_t index = IndexOfKey(key);
         if (index >= 0)
             return Replace(index, value);
-        CString* made = new (std::nothrow) CString(key);
+        CString* made = CString::Create(key);
         if (!made)
             return RESULT_OUT_OF_MEMORY;
         const int result = Set(made, value);

@@ -27,7 +27,7 @@ public:
     {
         if (!collection)
             return nullptr;
-        return new (std::nothrow) CEnumerator(
+        return new (fallible) CEnumerator(
             collection, [](CObject* c) { return static_cast<C*>(c)->GetCount(); },
             [](CObject* c, int32_t i) { return static_cast<C*>(c)->Get(i); });
     }

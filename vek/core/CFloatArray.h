@@ -17,7 +17,7 @@ public:
     // limit or cannot be allocated.
     static CFloatArray* Create(int32_t length = 0)
     {
-        auto* array = new (std::nothrow) CFloatArray();
+        auto* array = new (fallible) CFloatArray();
         if (!array)
             return nullptr;
         if (array->Resize(length) < 0) {

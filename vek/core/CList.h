@@ -17,7 +17,7 @@ public:
 
     CList() : CArray<T>(Type) {}
 
-    static CList* Create() { return new (std::nothrow) CList(); }
+    static CList* Create() { return new (fallible) CList(); }
 
     // Removes the first occurrence of `item` (same object): 1 when removed, 0 when absent.
     int Remove(T* item)

@@ -45,17 +45,17 @@ private:
     std::atomic<int64_t> m_created{0}; // read without the lock
 };
 
-// A pool of T made with `new (std::nothrow) T(args...)`.
+// A pool of T made with `new (fallible) T(args...)`.
 template <typename T>
 class CPool : public CPoolBase {
 public:
-    static CPool* Create(int32_t maxFree) { return new (std::nothrow) CPool(maxFree); }
+    static CPool* Create(int32_t maxFree) { return new (fallible) CPool(maxFree); }
 
     T* Get() { return static_cast<T*>(CPoolBase::Get()); }
 
 protected:
     explicit CPool(int32_t maxFree) : CPoolBase(maxFree) {}
-    CPoolObject* CreateObject() override { return new (std::nothrow) T(); }
+    CPoolObject* CreateObject() override { return new (fallible) T(); }
 };
 
 } // namespace Quorvex::Vek

@@ -29,7 +29,7 @@ public:
     {
         if (maximumCount < 0)
             return nullptr;
-        auto* queue = new (std::nothrow) CQueue();
+        auto* queue = new (fallible) CQueue();
         if (queue)
             queue->m_maximum = maximumCount;
         return queue;

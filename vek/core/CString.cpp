@@ -82,7 +82,7 @@ public:
         const int32_t units = Platform::Utf8ToUtf16(text, bytes, nullptr, 0);
         if (units < 0)
             return;
-        m_owned = new (std::nothrow) WChar[std::size_t(units) + 1];
+        m_owned = new (fallible) WChar[std::size_t(units) + 1];
         if (!m_owned)
             return;
         Platform::Utf8ToUtf16(text, bytes, m_owned, units);
@@ -144,7 +144,7 @@ CString::CString(const char* first, const char* second) : CObject(Type)
         Log(LogLevel::Error, "CString::CString: text too long (%d + %d bytes)\n", a, b);
         return;
     }
-    char* joined = new (std::nothrow) char[std::size_t(a) + b + 1];
+    char* joined = new (fallible) char[std::size_t(a) + b + 1];
     if (!joined) {
         Log(LogLevel::Error, "CString::CString: out of memory for %d bytes\n", a + b);
         return;
@@ -164,7 +164,7 @@ CString::CString(const WChar* first, const WChar* second) : CObject(Type)
         Log(LogLevel::Error, "CString::CString: text too long (%d + %d units)\n", a, b);
         return;
     }
-    WChar* joined = new (std::nothrow) WChar[std::size_t(a) + b + 1];
+    WChar* joined = new (fallible) WChar[std::size_t(a) + b + 1];
     if (!joined) {
         Log(LogLevel::Error, "CString::CString: out of memory for %d units\n", a + b);
         return;
@@ -174,14 +174,15 @@ CString::CString(const WChar* first, const WChar* second) : CObject(Type)
     if (b)
         std::memcpy(joined + a, second, std::size_t(b) * sizeof(WChar));
     joined[a + b] = 0;
-    m_wchars.store(joined, std::memory_order_release);
+    m_wchars = joined;
     m_length = a + b;
+    MakeUtf8Form();
 }
 
 CString::~CString()
 {
-    delete[] m_chars.load(std::memory_order_acquire);
-    delete[] m_wchars.load(std::memory_order_acquire);
+    delete[] m_chars;
+    delete[] m_wchars;
 }
 
 // Keeps the given bytes exactly as the UTF-8 form, valid UTF-8 or not: a
@@ -201,15 +202,20 @@ bool CString::InitFromUtf8(const char* text, int32_t length)
         Log(LogLevel::Error, "CString::InitFromUtf8: text too long (%d bytes)\n", length);
         return false;
     }
-    char* narrow = new (std::nothrow) char[std::size_t(length) + 1];
-    if (!narrow) {
+    char* narrow = new (fallible) char[std::size_t(length) + 1];
+    WChar* wide = narrow ? new (fallible) WChar[std::size_t(units) + 1] : nullptr;
+    if (!wide) {
         Log(LogLevel::Error, "CString::InitFromUtf8: out of memory for %d bytes\n", length);
+        delete[] narrow;
         return false;
     }
     std::memcpy(narrow, text, std::size_t(length));
     narrow[length] = 0;
-    m_charsLength.store(length, std::memory_order_relaxed);
-    m_chars.store(narrow, std::memory_order_release);
+    Platform::Utf8ToUtf16(text, length, wide, units);
+    wide[units] = 0;
+    m_charsLength = length;
+    m_chars = narrow;
+    m_wchars = wide;
     m_length = units;
     return true;
 }
@@ -222,16 +228,16 @@ bool CString::InitFromUtf16(const WChar* text, int32_t length)
         Log(LogLevel::Error, "CString::InitFromUtf16: text too long (%d units)\n", length);
         return false;
     }
-    WChar* wide = new (std::nothrow) WChar[std::size_t(length) + 1];
+    WChar* wide = new (fallible) WChar[std::size_t(length) + 1];
     if (!wide) {
         Log(LogLevel::Error, "CString::InitFromUtf16: out of memory for %d units\n", length);
         return false;
     }
     std::memcpy(wide, text, std::size_t(length) * sizeof(WChar));
     wide[length] = 0;
-    m_wchars.store(wide, std::memory_order_release);
+    m_wchars = wide;
     m_length = length;
-    return true;
+    return MakeUtf8Form();
 }
 
 CString* CString::FromUnits(const WChar* units, int32_t length)
@@ -243,13 +249,13 @@ CString* CString::FromUnits(const WChar* first, int32_t firstLength, const WChar
 {
     if (firstLength < 0 || secondLength < 0 || firstLength > kMaxLength - secondLength)
         return nullptr;
-    auto* result = new (std::nothrow) CString();
+    auto* result = new (fallible) CString();
     if (!result)
         return nullptr;
     const int32_t length = firstLength + secondLength;
     if (length == 0)
         return result;
-    WChar* wide = new (std::nothrow) WChar[std::size_t(length) + 1];
+    WChar* wide = new (fallible) WChar[std::size_t(length) + 1];
     if (!wide) {
         Log(LogLevel::Error, "CString::FromUnits: out of memory for %d units\n", length);
         result->Release();
@@ -260,14 +266,28 @@ CString* CString::FromUnits(const WChar* first, int32_t firstLength, const WChar
     if (secondLength)
         std::memcpy(wide + firstLength, second, std::size_t(secondLength) * sizeof(WChar));
     wide[length] = 0;
-    result->m_wchars.store(wide, std::memory_order_release);
+    result->m_wchars = wide;
     result->m_length = length;
+    if (!result->MakeUtf8Form()) {
+        result->Release();
+        return nullptr;
+    }
     return result;
+}
+
+CString* CString::Create(const char* text, int32_t length)
+{
+    return FromUtf8(text, length < 0 ? NarrowLength(text) : length);
+}
+
+CString* CString::Create(const WChar* text, int32_t length)
+{
+    return FromUnits(text, length < 0 ? WideLength(text) : length);
 }
 
 CString* CString::FromUtf8(const char* text, int32_t length)
 {
-    auto* result = new (std::nothrow) CString();
+    auto* result = new (fallible) CString();
     if (result && !result->InitFromUtf8(text, length)) {
         result->Release();
         return nullptr;
@@ -294,56 +314,41 @@ int32_t CString::GetLength(const WChar* text)
 
 const char* CString::GetChars()
 {
-    if (char* chars = m_chars.load(std::memory_order_acquire))
-        return chars;
-    const WChar* wide = m_wchars.load(std::memory_order_acquire);
+    const char* chars = m_chars;
+    return chars ? chars : kEmptyChars;
+}
+
+// Makes the UTF-8 form of text given as UTF-16. Without memory for it the
+// string becomes empty and false is returned, so no live string lacks a form.
+bool CString::MakeUtf8Form()
+{
+    const WChar* wide = m_wchars;
     if (m_length == 0 || !wide)
-        return kEmptyChars;
+        return true;
     const int32_t bytes = Platform::Utf16ToUtf8(wide, m_length, nullptr, 0);
-    char* narrow = bytes >= 0 && bytes <= kMaxLength ? new (std::nothrow) char[std::size_t(bytes) + 1] : nullptr;
+    char* narrow = bytes >= 0 && bytes <= kMaxLength ? new (fallible) char[std::size_t(bytes) + 1] : nullptr;
     if (!narrow) {
-        Log(LogLevel::Error, "CString::GetChars: cannot make the UTF-8 form of %d units\n", m_length);
-        return kEmptyChars;
+        Log(LogLevel::Error, "CString::MakeUtf8Form: out of memory for the UTF-8 form of %d units\n", m_length);
+        delete[] std::exchange(m_wchars, nullptr);
+        m_length = 0;
+        return false;
     }
     Platform::Utf16ToUtf8(wide, m_length, narrow, bytes);
     narrow[bytes] = 0;
-    m_charsLength.store(bytes, std::memory_order_relaxed);
-    char* expected = nullptr;
-    // Another thread may have won the race; its copy is identical.
-    if (!m_chars.compare_exchange_strong(expected, narrow, std::memory_order_acq_rel)) {
-        delete[] narrow;
-        return expected;
-    }
-    return narrow;
+    m_charsLength = bytes;
+    m_chars = narrow;
+    return true;
 }
 
 const WChar* CString::GetWChars()
 {
-    if (WChar* wchars = m_wchars.load(std::memory_order_acquire))
-        return wchars;
-    const char* narrow = m_chars.load(std::memory_order_acquire);
-    if (m_length == 0 || !narrow)
-        return kEmptyWChars;
-    const int32_t bytes = m_charsLength.load(std::memory_order_relaxed);
-    WChar* wide = new (std::nothrow) WChar[std::size_t(m_length) + 1];
-    if (!wide) {
-        Log(LogLevel::Error, "CString::GetWChars: cannot make the UTF-16 form of %d units\n", m_length);
-        return kEmptyWChars;
-    }
-    Platform::Utf8ToUtf16(narrow, bytes, wide, m_length);
-    wide[m_length] = 0;
-    WChar* expected = nullptr;
-    if (!m_wchars.compare_exchange_strong(expected, wide, std::memory_order_acq_rel)) {
-        delete[] wide;
-        return expected;
-    }
-    return wide;
+    const WChar* wchars = m_wchars;
+    return wchars ? wchars : kEmptyWChars;
 }
 
 int32_t CString::GetCharsLength()
 {
-    GetChars();
-    return m_chars.load(std::memory_order_acquire) ? m_charsLength.load(std::memory_order_relaxed) : 0;
+    return m_charsLength;
 }
 
 char CString::GetChar(int32_t index)
@@ -363,7 +368,7 @@ char* CString::GetChars(const WChar* text)
         return nullptr;
     const int32_t units = WideLength(text);
     const int32_t bytes = Platform::Utf16ToUtf8(text, units, nullptr, 0);
-    char* narrow = bytes >= 0 && bytes <= kMaxLength ? new (std::nothrow) char[std::size_t(bytes) + 1] : nullptr;
+    char* narrow = bytes >= 0 && bytes <= kMaxLength ? new (fallible) char[std::size_t(bytes) + 1] : nullptr;
     if (!narrow)
         return nullptr;
     Platform::Utf16ToUtf8(text, units, narrow, bytes);
@@ -377,7 +382,7 @@ WChar* CString::GetWChars(const char* text)
         return nullptr;
     const int32_t bytes = NarrowLength(text);
     const int32_t units = Platform::Utf8ToUtf16(text, bytes, nullptr, 0);
-    WChar* wide = units >= 0 && units <= kMaxLength ? new (std::nothrow) WChar[std::size_t(units) + 1] : nullptr;
+    WChar* wide = units >= 0 && units <= kMaxLength ? new (fallible) WChar[std::size_t(units) + 1] : nullptr;
     if (!wide)
         return nullptr;
     Platform::Utf8ToUtf16(text, bytes, wide, units);
@@ -438,13 +443,25 @@ CString* CString::Concat(CString* a, const WChar* b)
     return a->Append(b);
 }
 
+// Both forms copied as they are: a clone of bytes that are not valid UTF-8
+// keeps the bytes, a clone of unpaired surrogates keeps the surrogates.
 CString* CString::Clone()
 {
-    // From the bytes when they are the original form, so a clone of text
-    // that is not valid UTF-8 keeps its bytes too.
-    if (const char* chars = m_chars.load(std::memory_order_acquire))
-        return FromUtf8(chars, m_charsLength.load(std::memory_order_relaxed));
-    return FromUnits(GetWChars(), m_length);
+    auto* result = new (fallible) CString();
+    if (!result || m_length == 0)
+        return result;
+    result->m_chars = new (fallible) char[std::size_t(m_charsLength) + 1];
+    result->m_wchars = new (fallible) WChar[std::size_t(m_length) + 1];
+    if (!result->m_chars || !result->m_wchars) {
+        Log(LogLevel::Error, "CString::Clone: out of memory for %d units\n", m_length);
+        result->Release();
+        return nullptr;
+    }
+    std::memcpy(result->m_chars, m_chars, std::size_t(m_charsLength) + 1);
+    std::memcpy(result->m_wchars, m_wchars, (std::size_t(m_length) + 1) * sizeof(WChar));
+    result->m_charsLength = m_charsLength;
+    result->m_length = m_length;
+    return result;
 }
 
 // ---- comparison ---------------------------------------------------------
@@ -731,15 +748,7 @@ CString* CString::Replace(char from, char to)
 
 CString* CString::Replace(WChar from, WChar to)
 {
-    CString* result = FromUnits(GetWChars(), m_length);
-    if (!result || m_length == 0)
-        return result;
-    WChar* units = result->m_wchars.load(std::memory_order_relaxed);
-    for (int32_t i = 0; i < m_length; ++i) {
-        if (units[i] == from)
-            units[i] = to;
-    }
-    return result;
+    return ReplaceUnits(&from, 1, &to, 1);
 }
 
 CString* CString::Replace(const char* from, const char* to)
@@ -770,7 +779,7 @@ CString* CString::ReplaceUnits(const WChar* from, int32_t fromLength, const WCha
         Log(LogLevel::Error, "CString::Replace: result too long (%lld units)\n", (long long)length);
         return nullptr;
     }
-    WChar* out = new (std::nothrow) WChar[std::size_t(length) + 1];
+    WChar* out = new (fallible) WChar[std::size_t(length) + 1];
     if (!out)
         return nullptr;
     int32_t n = 0;
@@ -823,7 +832,7 @@ CString* CString::Join(const WChar* separator, CArray<CString>* parts)
         Log(LogLevel::Error, "CString::Join: result too long (%lld units)\n", (long long)length);
         return nullptr;
     }
-    WChar* out = new (std::nothrow) WChar[std::size_t(length) + 1];
+    WChar* out = new (fallible) WChar[std::size_t(length) + 1];
     if (!out)
         return nullptr;
     int32_t n = 0;
@@ -941,7 +950,7 @@ CByteArray* CString::ToBytes(int32_t count)
         Log(LogLevel::Warning, "CString::ToBytes: %d digits do not fit in %d bytes\n", m_length, count);
         return nullptr;
     }
-    auto* bytes = new (std::nothrow) CByteArray(count);
+    auto* bytes = new (fallible) CByteArray(count);
     if (!bytes)
         return nullptr;
     unsigned char* data = bytes->GetData();
@@ -973,7 +982,7 @@ CString* CString::FromBytes(CByteArray* bytes)
     if (count == 0 || !data)
         return FromUnits(nullptr, 0);
     static constexpr char kDigits[] = "0123456789ABCDEF";
-    char* text = new (std::nothrow) char[std::size_t(count) * 2 + 1];
+    char* text = new (fallible) char[std::size_t(count) * 2 + 1];
     if (!text)
         return nullptr;
     for (int32_t i = 0; i < count; ++i) {

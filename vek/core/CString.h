@@ -1,8 +1,9 @@
 #pragma once
 
-// Immutable, reference-counted text holding a UTF-8 and a UTF-16 form, each
-// made from the other on first demand and cached. Lengths and indices count
-// UTF-16 code units.
+// Immutable, reference-counted text holding both a UTF-8 and a UTF-16 form,
+// both made when the string is: an allocation failure surfaces when a
+// string is made (Create and every operation return null), never later as
+// a missing or truncated form. Lengths and indices count UTF-16 code units.
 //
 // Text made from UTF-8 keeps exactly the bytes it was given as its UTF-8
 // form, even when they are not valid UTF-8 (a POSIX file name, a decoded
@@ -22,7 +23,6 @@
 // parsing) are the fixed ones of vek/core/CharClass.h, the same on every
 // platform. A null text argument counts as empty for constructors, Append
 // and Concat; elsewhere it is noted.
-#include <atomic>
 #include <cstdarg>
 
 #include <vek/core/CObject.h>
@@ -55,6 +55,11 @@ public:
     CString(const WChar* text, int32_t length);
     CString(const char* first, const char* second);
     CString(const WChar* first, const WChar* second);
+    // As the constructors, but null when the object or its text cannot be
+    // allocated (a constructor cannot say so, and would leave an empty
+    // string). The library makes its strings this way.
+    static CString* Create(const char* text, int32_t length = -1);
+    static CString* Create(const WChar* text, int32_t length = -1);
 
     int32_t GetLength() const;
     // Code units up to the terminator (bytes / UTF-16 units); 0 for null.
@@ -63,7 +68,7 @@ public:
     // Code unit i of the UTF-8 form / UTF-16 form; 0 when out of range.
     char GetChar(int32_t index);
     WChar GetWChar(int32_t index);
-    // The cached forms, never null for a live string ("" when empty).
+    // The two forms, never null for a live string ("" when empty).
     const char* GetChars();
     const WChar* GetWChars();
     // New heap copies in the other encoding, freed with delete[].
@@ -181,15 +186,16 @@ private:
     static CString* FromUtf8(const char* text, int32_t length);
     bool InitFromUtf8(const char* text, int32_t length);
     bool InitFromUtf16(const WChar* text, int32_t length);
+    bool MakeUtf8Form();
     int32_t GetCharsLength();
     CString* TrimWhere(bool left, bool right, const WChar* set);
     CString* ReplaceUnits(const WChar* from, int32_t fromLength, const WChar* to, int32_t toLength);
 
     int32_t m_length = 0;
-    std::atomic<char*> m_chars{nullptr};
-    std::atomic<WChar*> m_wchars{nullptr};
-    // Byte length of m_chars, stored before m_chars is published.
-    std::atomic<int32_t> m_charsLength{0};
+    // Both forms are set while the string is made and never change after.
+    char* m_chars = nullptr;
+    WChar* m_wchars = nullptr;
+    int32_t m_charsLength = 0; // bytes of m_chars
 };
 
 } // namespace Quorvex::Vek

@@ -18,7 +18,7 @@ public:
     explicit CValue(T value = T{}) : CObject(Type), m_value(std::move(value)) {}
 
     // Null on allocation failure.
-    static CValue* Create(T value = T{}) { return new (std::nothrow) CValue(std::move(value)); }
+    static CValue* Create(T value = T{}) { return new (fallible) CValue(std::move(value)); }
 
     const T& Get() const { return m_value; }
     void Set(T value) { m_value = std::move(value); }

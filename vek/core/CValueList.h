@@ -17,7 +17,7 @@ public:
 
     CValueList() : CArray<T>(Type) {}
 
-    static CValueList* Create() { return new (std::nothrow) CValueList(); }
+    static CValueList* Create() { return new (fallible) CValueList(); }
 
     // Removes the first element equal to `value`: 1 when removed, 0 when absent.
     int Remove(const T& value)

@@ -20,6 +20,11 @@ void FailAllocation(int64_t number)
     t_failed = false;
 }
 
+void Disarm()
+{
+    t_failAt = 0;
+}
+
 int64_t AllocationCount()
 {
     return t_seen;
@@ -36,6 +41,7 @@ bool ShouldFailAllocation()
         return false;
     if (++t_seen != t_failAt)
         return false;
+    t_failAt = -1; // armed runs fail one allocation; later ones succeed
     t_failed = true;
     return true;
 }

@@ -17,6 +17,8 @@ namespace Quorvex::Vek::FaultInjection {
 // Makes the `number`th allocation from now on, on this thread, fail (and
 // only that one); 0 disarms. Resets the count of allocations seen.
 VEK_API void FailAllocation(int64_t number);
+// Stops failing; the count and HasFailed keep what this run saw.
+VEK_API void Disarm();
 // Allocations seen on this thread since the last FailAllocation.
 VEK_API int64_t AllocationCount();
 // True when the armed allocation has been failed.

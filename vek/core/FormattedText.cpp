@@ -1,5 +1,7 @@
 #include <vek/core/FormattedText.h>
 
+#include <vek/core/Allocation.h>
+
 #include <cstdio>
 #include <new>
 
@@ -20,7 +22,7 @@ FormattedText::FormattedText(const char* format, va_list arguments)
         m_length = length;
         return;
     }
-    char* heap = new (std::nothrow) char[std::size_t(length) + 1];
+    char* heap = new (fallible) char[std::size_t(length) + 1];
     if (!heap)
         return;
     std::vsnprintf(heap, std::size_t(length) + 1, format, arguments);

@@ -128,7 +128,7 @@ CString* _Guid::ToString() const
 {
     char text[TextLength + 1];
     Format(text);
-    return new (std::nothrow) CString(text);
+    return CString::Create(text);
 }
 
 _Guid _Guid::FromBytes(const uint8_t (&bytes)[16], GuidByteOrder order)

@@ -14,22 +14,22 @@ constexpr WChar kEmptyWChars[1] = {0};
 
 String String::Create(const char* text)
 {
-    return String(new (std::nothrow) CString(text));
+    return String(CString::Create(text));
 }
 
 String String::Create(const char* text, int32_t length)
 {
-    return String(new (std::nothrow) CString(text, length));
+    return String(CString::Create(text, length));
 }
 
 String String::Create(const WChar* text)
 {
-    return String(new (std::nothrow) CString(text));
+    return String(CString::Create(text));
 }
 
 String String::Create(const WChar* text, int32_t length)
 {
-    return String(new (std::nothrow) CString(text, length));
+    return String(CString::Create(text, length));
 }
 
 String String::FromObject(CString* text)

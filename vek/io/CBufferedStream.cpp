@@ -16,7 +16,7 @@ namespace Quorvex::Vek {
 // valid), possibly changed (dirty) and not yet written back.
 class CBufferedStream::CCacheBlock : public CObject {
 public:
-    explicit CCacheBlock(int32_t size) : m_array(new (std::nothrow) CByteArray(size))
+    explicit CCacheBlock(int32_t size) : m_array(new (fallible) CByteArray(size))
     {
         bytes = m_array ? m_array->GetData() : nullptr;
     }
@@ -50,7 +50,7 @@ CBufferedStream::CBufferedStream(CStream* inner, int32_t blockSize, int32_t bloc
     }
     m_blockSize = blockSize;
     for (int32_t i = 0; i < blockCount; ++i) {
-        RObject<CCacheBlock> block(new (std::nothrow) CCacheBlock(blockSize));
+        RObject<CCacheBlock> block(new (fallible) CCacheBlock(blockSize));
         if (!block || !block->IsUsable()) {
             Log(LogLevel::Error,
                 "CBufferedStream::CBufferedStream: RESULT_OUT_OF_MEMORY after %d of %d blocks\n",

@@ -36,7 +36,7 @@ int CFileStream::Open(const char* path)
 {
     if (!path)
         return Open(static_cast<CString*>(nullptr));
-    RObject<CString> text(new (std::nothrow) CString(path));
+    RObject<CString> text(CString::Create(path));
     if (!text)
         return RESULT_OUT_OF_MEMORY;
     return Open(text.Get());

@@ -19,17 +19,17 @@ constexpr int64_t kMaxSize = 0x7FFFFFFF;
 
 CMemoryStream::CMemoryStream() : CStream(Type), m_growable(true)
 {
-    Attach(new (std::nothrow) CByteArray(kDefaultCapacity), 0);
+    Attach(new (fallible) CByteArray(kDefaultCapacity), 0);
 }
 
 CMemoryStream::CMemoryStream(int32_t capacity) : CStream(Type)
 {
-    Attach(new (std::nothrow) CByteArray(std::max(capacity, 0)), 0);
+    Attach(new (fallible) CByteArray(std::max(capacity, 0)), 0);
 }
 
 CMemoryStream::CMemoryStream(int32_t count, const unsigned char* bytes) : CStream(Type)
 {
-    Attach(new (std::nothrow) CByteArray(bytes, std::max(count, 0)), 0);
+    Attach(CByteArray::Create(bytes, std::max(count, 0)), 0);
     if (m_buffer)
         m_length = m_buffer->GetLength();
 }
@@ -87,7 +87,7 @@ CByteArray* CMemoryStream::GetBuffer() const
 
 CByteArray* CMemoryStream::ToByteArray() const
 {
-    return new (std::nothrow) CByteArray(m_data, m_data ? m_length : 0);
+    return CByteArray::Create(m_data, m_data ? m_length : 0);
 }
 
 int CMemoryStream::Read(unsigned char* buffer, int32_t count)
@@ -134,7 +134,7 @@ void CMemoryStream::Expand(int64_t needed, RObject<CByteArray>& retired)
         return;
     // Twice the size asked for, not twice the old capacity.
     const int32_t capacity = int32_t(std::min<int64_t>(2 * needed, kMaxSize));
-    CByteArray* grown = new (std::nothrow) CByteArray(capacity);
+    CByteArray* grown = new (fallible) CByteArray(capacity);
     unsigned char* data = grown ? grown->GetData() : nullptr;
     if (!data) {
         Log(LogLevel::Error, "CMemoryStream::Expand: RESULT_OUT_OF_MEMORY (%d bytes)\n", capacity);

@@ -107,7 +107,7 @@ int CStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition)
         std::unique_ptr<unsigned char[]> large;
         unsigned char* scratch = small;
         if (offset > kSmallSkipSize) {
-            large.reset(new (std::nothrow) unsigned char[kSkipPieceSize]);
+            large.reset(new (fallible) unsigned char[kSkipPieceSize]);
             if (!large) {
                 Log(LogLevel::Error, "CStream::Seek: RESULT_OUT_OF_MEMORY\n");
                 return RESULT_OUT_OF_MEMORY;

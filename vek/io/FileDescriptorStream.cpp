@@ -10,7 +10,7 @@ namespace Quorvex::Vek {
 
 int FileDescriptorStream::Open(CString* path, FileStream::FileMode mode, Stream& result)
 {
-    CFileDescriptorStream* stream = new (std::nothrow) CFileDescriptorStream(mode);
+    CFileDescriptorStream* stream = new (fallible) CFileDescriptorStream(mode);
     if (!stream) {
         Log(LogLevel::Error, "FileDescriptorStream::Open: RESULT_OUT_OF_MEMORY\n");
         return RESULT_OUT_OF_MEMORY;
@@ -33,7 +33,7 @@ int FileDescriptorStream::Open(const char* path, FileStream::FileMode mode, Stre
 {
     if (!path)
         return RESULT_ARGUMENT_NULL;
-    CString* text = new (std::nothrow) CString(path);
+    CString* text = CString::Create(path);
     if (!text)
         return RESULT_OUT_OF_MEMORY;
     const int opened = Open(text, mode, result);

@@ -8,7 +8,7 @@ namespace Quorvex::Vek {
 
 AudioProperties AudioProperties::Create()
 {
-    return AudioProperties(new (std::nothrow) CAudioProperties());
+    return AudioProperties(new (fallible) CAudioProperties());
 }
 
 AudioProperties AudioProperties::FromObject(CAudioProperties* object)

@@ -41,7 +41,7 @@ CAudioProperties::~CAudioProperties()
 
 CMediaProperties* CAudioProperties::Clone() const
 {
-    auto* copy = new (std::nothrow) CAudioProperties(*this);
+    auto* copy = new (fallible) CAudioProperties(*this);
     if (copy && copy->m_channels != m_channels) {
         copy->Release();
         return nullptr;
@@ -65,7 +65,7 @@ int CAudioProperties::SetChannels(int32_t channels)
         return RESULT_OK;
     uint32_t* speakers = nullptr;
     if (channels > 0) {
-        speakers = new (std::nothrow) uint32_t[channels];
+        speakers = new (fallible) uint32_t[channels];
         if (!speakers)
             return RESULT_OUT_OF_MEMORY;
         const int32_t kept = std::min(channels, m_channels);

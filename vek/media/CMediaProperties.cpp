@@ -27,7 +27,7 @@ CMediaProperties::~CMediaProperties() = default;
 
 CMediaProperties* CMediaProperties::Clone() const
 {
-    return CloneChecked(new (std::nothrow) CMediaProperties(*this));
+    return CloneChecked(new (fallible) CMediaProperties(*this));
 }
 
 CMediaProperties* CMediaProperties::CloneChecked(CMediaProperties* copy) const

@@ -24,7 +24,7 @@ CSubtitleProperties::~CSubtitleProperties() = default;
 
 CMediaProperties* CSubtitleProperties::Clone() const
 {
-    return CloneChecked(new (std::nothrow) CSubtitleProperties(*this));
+    return CloneChecked(new (fallible) CSubtitleProperties(*this));
 }
 
 const IProperties::Accessor* CSubtitleProperties::GetPropertyAccessors() const

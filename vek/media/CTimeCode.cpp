@@ -393,7 +393,7 @@ void CTimeCode::FromString(CString* text)
 CString* CTimeCode::ToString(char separator)
 {
     // The internal buffer holds the whole text even for far-out totals.
-    CString* string = new (std::nothrow) CString(ToString(nullptr, separator));
+    CString* string = CString::Create(ToString(nullptr, separator));
     if (!string)
         Log(LogLevel::Error, "CTimeCode::ToString: out of memory\n");
     return string;

@@ -57,7 +57,7 @@ CVideoProperties::~CVideoProperties() = default;
 
 CMediaProperties* CVideoProperties::Clone() const
 {
-    return CloneChecked(new (std::nothrow) CVideoProperties(*this));
+    return CloneChecked(new (fallible) CVideoProperties(*this));
 }
 
 int CVideoProperties::SetSize(int32_t width, int32_t height)

@@ -75,7 +75,7 @@ int IProperties::SetProperty(const char* key, int32_t length, const unsigned cha
         return RESULT_ARGUMENT_OUT_OF_RANGE;
     }
     // A null `data` leaves the new array's bytes at zero.
-    RObject<CByteArray> value(new (std::nothrow) CByteArray(data, length));
+    RObject<CByteArray> value(CByteArray::Create(data, length));
     if (!value || (length > 0 && !value->GetData())) {
         Log(LogLevel::Error, "IProperties::SetProperty: no memory for %d bytes of \"%s\"\n", length, key);
         return RESULT_OUT_OF_MEMORY;
@@ -182,7 +182,7 @@ int IProperties::SetProperties(const IProperties* other)
         const unsigned char* data = value->GetData();
         if (value->GetLength() > 0 && !data)
             return RESULT_OUT_OF_MEMORY;
-        RObject<CByteArray> copy(new (std::nothrow) CByteArray(data, value->GetLength()));
+        RObject<CByteArray> copy(CByteArray::Create(data, value->GetLength()));
         if (!copy || (copy->GetLength() > 0 && !copy->GetData()))
             return RESULT_OUT_OF_MEMORY;
         const int result = Store(key, copy.Get());
@@ -235,13 +235,13 @@ CString* IProperties::GetPropertyValue(const char* key)
 {
     const Accessor* accessor = FindAccessor(key);
     if (!accessor || !accessor->formatter)
-        return new (std::nothrow) CString("(null)");
+        return CString::Create("(null)");
     CString* text = nullptr;
     const int result = accessor->formatter(this, key, &text);
     if (result < 0 || !text) {
         if (text)
             text->Release();
-        return new (std::nothrow) CString("(error)");
+        return CString::Create("(error)");
     }
     return text;
 }
@@ -278,7 +278,7 @@ int IProperties::GetBool(IProperties* bag, const char* key, CString** out)
     const int result = ReadExact(bag, key, &byte, 1);
     if (result < 0)
         return result;
-    return Emit(new (std::nothrow) CString(byte ? "true" : "false"), out);
+    return Emit(CString::Create(byte ? "true" : "false"), out);
 }
 
 int IProperties::GetByte(IProperties* bag, const char* key, CString** out)
@@ -325,8 +325,8 @@ int IProperties::GetString(IProperties* bag, const char* key, CString** out)
     if (length < 0)
         return length;
     if (length == 0)
-        return bag->GetProperty(key) ? Emit(new (std::nothrow) CString(""), out) : RESULT_INDEX_OUT_OF_RANGE;
-    unsigned char* bytes = new (std::nothrow) unsigned char[static_cast<size_t>(length)];
+        return bag->GetProperty(key) ? Emit(CString::Create(""), out) : RESULT_INDEX_OUT_OF_RANGE;
+    unsigned char* bytes = new (fallible) unsigned char[static_cast<size_t>(length)];
     if (!bytes)
         return RESULT_OUT_OF_MEMORY;
     const int result = bag->GetProperty(key, length, bytes);
@@ -335,7 +335,7 @@ int IProperties::GetString(IProperties* bag, const char* key, CString** out)
         const void* zero = std::memchr(bytes, 0, static_cast<size_t>(result));
         textLength = zero ? static_cast<int32_t>(static_cast<const unsigned char*>(zero) - bytes) : result;
     }
-    CString* text = result >= 0 ? new (std::nothrow) CString(reinterpret_cast<const char*>(bytes), textLength) : nullptr;
+    CString* text = result >= 0 ? CString::Create(reinterpret_cast<const char*>(bytes), textLength) : nullptr;
     delete[] bytes;
     if (result < 0)
         return result;

@@ -8,7 +8,7 @@ namespace Quorvex::Vek {
 
 MediaProperties MediaProperties::Create()
 {
-    return MediaProperties(new (std::nothrow) CMediaProperties());
+    return MediaProperties(new (fallible) CMediaProperties());
 }
 
 MediaProperties MediaProperties::FromObject(CMediaProperties* object)

@@ -8,7 +8,7 @@ namespace Quorvex::Vek {
 
 SubtitleProperties SubtitleProperties::Create()
 {
-    return SubtitleProperties(new (std::nothrow) CSubtitleProperties());
+    return SubtitleProperties(new (fallible) CSubtitleProperties());
 }
 
 SubtitleProperties SubtitleProperties::FromObject(CSubtitleProperties* object)

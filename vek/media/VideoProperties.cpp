@@ -8,7 +8,7 @@ namespace Quorvex::Vek {
 
 VideoProperties VideoProperties::Create()
 {
-    return VideoProperties(new (std::nothrow) CVideoProperties());
+    return VideoProperties(new (fallible) CVideoProperties());
 }
 
 VideoProperties VideoProperties::FromObject(CVideoProperties* object)
