@@ -3,6 +3,7 @@
 #include <vek/core/CByteArray.h>
 #include <vek/core/CString.h>
 #include <vek/core/Log.h>
+#include <vek/core/PercentCoding.h>
 
 #include <cstring>
 #include <limits>
@@ -86,18 +87,11 @@ bool Parse(const char* text, Parsed& parsed)
 // Percent-decodes; a '%' without two hexadecimal digits fails.
 bool PercentDecode(const char* text, size_t length, std::string& out)
 {
-    out.clear();
-    out.reserve(length);
-    for (size_t i = 0; i < length; ++i) {
-        if (text[i] != '%') {
-            out += text[i];
-            continue;
-        }
-        if (i + 2 >= length || !CUri::IsHexDigit(text[i + 1]) || !CUri::IsHexDigit(text[i + 2]))
-            return false;
-        out += char(CUri::FromHexDigit(text[i + 1]) * 16 + CUri::FromHexDigit(text[i + 2]));
-        i += 2;
-    }
+    out.resize(length);
+    const int64_t n = PercentCoding::Decode(text, length, out.data(), PercentCoding::Malformed::Fail);
+    if (n < 0)
+        return false;
+    out.resize(size_t(n));
     return true;
 }
 
