@@ -240,8 +240,12 @@ TEST(ContainerContextTest, NamesThatLeaveTheFolderAreRefused)
         {"C:\\x.wav", RESULT_ACCESS_DENIED},
         {"c:/x.wav", RESULT_ACCESS_DENIED},
         {"C:x.wav", RESULT_ACCESS_DENIED},
+        // Windows trims dots and spaces that end a segment, making these "..".
+        {"...", RESULT_ACCESS_DENIED},
+        {".. /outside.wav", RESULT_ACCESS_DENIED},
+        {"sub/. ./outside.wav", RESULT_ACCESS_DENIED},
         // Dots that are not a ".." segment are ordinary names.
-        {"...", RESULT_PATH_DOES_NOT_EXIST},
+        {".", RESULT_PATH_IS_DIRECTORY},
         {"..clip.wav", RESULT_PATH_DOES_NOT_EXIST},
         {"clip..wav", RESULT_PATH_DOES_NOT_EXIST},
         {"sub/..inner", RESULT_PATH_DOES_NOT_EXIST},

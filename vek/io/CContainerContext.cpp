@@ -150,10 +150,17 @@ bool CContainerContext::EscapesFolder(const char* name)
     if (IsAbsolutePath(name) || (letter && name[1] == ':'))
         return true;
     // A ".." segment anywhere; both separators count, as the same name
-    // must be refused by every build.
+    // must be refused by every build. Windows drops the dots and spaces
+    // that end a segment (".. " and "..." reach the parent or the folder
+    // itself), so any segment of only dots and spaces with two dots or
+    // more counts as "..".
     for (const char* segment = name;;) {
         const size_t length = std::strcspn(segment, "/\\");
-        if (length == 2 && segment[0] == '.' && segment[1] == '.')
+        size_t dots = 0;
+        size_t i = 0;
+        for (; i < length && (segment[i] == '.' || segment[i] == ' '); ++i)
+            dots += segment[i] == '.';
+        if (i == length && dots >= 2)
             return true;
         if (segment[length] == 0)
             return false;

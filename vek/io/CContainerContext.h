@@ -51,7 +51,9 @@ public:
     // reference to a side-car or essence file), so directory and multi-file
     // contexts refuse one that would leave their folder: an absolute path,
     // a drive letter, a UNC or root-relative path, or a ".." segment
-    // (slash or backslash separated), on every build alike. Names the host
+    // (slash or backslash separated; a segment of only dots and spaces
+    // with two dots or more counts as one, since Windows trims it to ".."),
+    // on every build alike. Names the host
     // put in the file list are exempt. A host that wants references to go
     // anywhere says so here; off by default.
     void SetAllowNamesOutsideFolder(bool allow) { m_allowOutsideFolder = allow; }
