@@ -293,6 +293,20 @@ TEST(UriTest, ConvertsLocalPathsBothWays)
     EXPECT_FALSE(longPath->IsUnc());
 }
 
+TEST(UriTest, NonUtf8FileNamesKeepTheirBytes)
+{
+    if (VEK_PLATFORM_WINDOWS)
+        GTEST_SKIP() << "Windows file names are UTF-16; a lone 0xE9 byte names no file there";
+    // A Latin-1 name, escaped: the local path is the raw bytes, so the file
+    // that the URL names is the one that gets opened.
+    RObject<CUri> fromUrl = CUri::CreateWithEscapedUrl("file:///tmp/caf%E9%FF.wav");
+    Check("local", fromUrl->GetLocalPath(), "/tmp/caf\xE9\xFF.wav");
+    RObject<CUri> fromPath = CUri::CreateWithLocalPath("/m/caf\xE9.wav");
+    ASSERT_TRUE(fromPath);
+    Check("url", fromPath->GetAbsoluteUri(), "file:///m/caf%E9.wav");
+    Check("back", fromPath->GetLocalPath(), "/m/caf\xE9.wav");
+}
+
 TEST(UriTest, SchemeAndAbsoluteTests)
 {
     RObject<CUri> uri = CUri::CreateWithEscapedUrl("HTTPS://h/x");
