@@ -1,6 +1,7 @@
 // Container contexts against real files in a scratch folder.
 #include <gtest/gtest.h>
 
+#include "LogCapture.h"
 #include "support/TestSupport.h"
 
 #include <vek/core/Result.h>
@@ -205,6 +206,110 @@ TEST(ContainerContextTest, MultiFileContextTagsEntriesAndOpensBesideThem)
     ASSERT_EQ(context->OpenStream(Settings{4096, 0}, Text(dir.File("video.mxf")), raw), RESULT_OK);
     RObject<CStream> video(raw);
     EXPECT_EQ(ReadAll(video), "video essence");
+}
+
+TEST(ContainerContextTest, NamesThatLeaveTheFolderAreRefused)
+{
+    // <dir>/media is the context's folder; <dir>/outside.wav lies beside it.
+    VekTest::TempDir dir;
+    const std::string folder = dir.File("media");
+    std::filesystem::create_directories(folder + "/sub");
+    ASSERT_TRUE(VekTest::WriteFile(folder + "/clip.wav", "inside"));
+    ASSERT_TRUE(VekTest::WriteFile(folder + "/sub/inner.wav", "inner"));
+    ASSERT_TRUE(VekTest::WriteFile(dir.File("outside.wav"), "outside"));
+    const std::string outside = dir.File("outside.wav");
+
+    struct {
+        std::string name;
+        int result; // with the default: names stay inside the folder
+    } cases[] = {
+        {"clip.wav", RESULT_OK},
+        {"./clip.wav", RESULT_OK},
+        {"sub/inner.wav", RESULT_OK},
+        {"sub\\..\\clip.wav", RESULT_ACCESS_DENIED},
+        {"../outside.wav", RESULT_ACCESS_DENIED},
+        {"..\\outside.wav", RESULT_ACCESS_DENIED},
+        {"sub/../../outside.wav", RESULT_ACCESS_DENIED},
+        {"sub/..", RESULT_ACCESS_DENIED},
+        {"..", RESULT_ACCESS_DENIED},
+        {outside, RESULT_ACCESS_DENIED},
+        {"/etc/passwd", RESULT_ACCESS_DENIED},
+        {"\\\\server\\share\\x.wav", RESULT_ACCESS_DENIED},
+        {"//server/share/x.wav", RESULT_ACCESS_DENIED},
+        {"\\x.wav", RESULT_ACCESS_DENIED},
+        {"C:\\x.wav", RESULT_ACCESS_DENIED},
+        {"c:/x.wav", RESULT_ACCESS_DENIED},
+        {"C:x.wav", RESULT_ACCESS_DENIED},
+        // Windows trims dots and spaces that end a segment, making these "..".
+        {"...", RESULT_ACCESS_DENIED},
+        {".. /outside.wav", RESULT_ACCESS_DENIED},
+        {"sub/. ./outside.wav", RESULT_ACCESS_DENIED},
+        // Dots that are not a ".." segment are ordinary names.
+        {".", RESULT_PATH_IS_DIRECTORY},
+        {"..clip.wav", RESULT_PATH_DOES_NOT_EXIST},
+        {"clip..wav", RESULT_PATH_DOES_NOT_EXIST},
+        {"sub/..inner", RESULT_PATH_DOES_NOT_EXIST},
+    };
+    RObject<CContainerDirectoryContext> directory = CContainerDirectoryContext::Create(Text(folder));
+    ASSERT_FALSE(directory->GetAllowNamesOutsideFolder());
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        CStream* raw = nullptr;
+        EXPECT_EQ(directory->OpenStream(Settings{0, 0}, Text(c.name), raw), c.result);
+        RObject<CStream> stream(raw);
+        EXPECT_EQ(raw != nullptr, c.result == RESULT_OK);
+        if (c.result == RESULT_ACCESS_DENIED) {
+            EXPECT_EQ(directory->OpenStream(CContainerContext::WriterSettings{}, Text(c.name), raw),
+                      RESULT_ACCESS_DENIED);
+            EXPECT_EQ(raw, nullptr);
+        }
+    }
+    EXPECT_EQ(VekTest::ReadFile(outside), "outside") << "no writer reached the file beside the folder";
+
+    // The host may allow it, and names it listed itself are its own choice.
+    CStream* raw = nullptr;
+    directory->SetAllowNamesOutsideFolder(true);
+    ASSERT_EQ(directory->OpenStream(Settings{0, 0}, Text("../outside.wav"), raw), RESULT_OK);
+    EXPECT_EQ(ReadAll(RObject<CStream>(raw)), "outside");
+    directory->SetAllowNamesOutsideFolder(false);
+    ASSERT_EQ(directory->AddFilePath(Text(outside)), RESULT_OK);
+    ASSERT_EQ(directory->OpenStream(Settings{0, 0}, Text(outside), raw), RESULT_OK);
+    EXPECT_EQ(ReadAll(RObject<CStream>(raw)), "outside");
+
+    // A multi-file context confines names to the folder of its current file.
+    using Info = CContainerMultiFileContext::CMultiFileCtxInfo;
+    RObject<CContainerMultiFileContext> files = CContainerMultiFileContext::Create();
+    ASSERT_EQ(files->AddFullFileName(Text(folder + "/clip.wav"), Info::Audio), RESULT_OK);
+    EXPECT_EQ(files->OpenStream(Settings{0, 0}, Text("../outside.wav"), raw), RESULT_ACCESS_DENIED);
+    EXPECT_EQ(files->OpenStream(Settings{0, 0}, Text(outside), raw), RESULT_ACCESS_DENIED);
+    ASSERT_EQ(files->OpenStream(Settings{0, 0}, Text("sub/inner.wav"), raw), RESULT_OK);
+    EXPECT_EQ(ReadAll(RObject<CStream>(raw)), "inner");
+    ASSERT_EQ(files->OpenStream(Settings{0, 0}, Text(folder + "/clip.wav"), raw), RESULT_OK);
+    EXPECT_EQ(ReadAll(RObject<CStream>(raw)), "inside");
+
+    // So does the public handle, until told otherwise.
+    ContainerContext handle = ContainerContext::CreateForDirectory(folder.c_str());
+    Stream stream;
+    EXPECT_EQ(handle.OpenReadStream("../outside.wav", 0, 0, stream), RESULT_ACCESS_DENIED);
+    handle.SetAllowNamesOutsideFolder(true);
+    ASSERT_EQ(handle.OpenReadStream("../outside.wav", 0, 0, stream), RESULT_OK);
+    EXPECT_EQ(ReadAll(stream), "outside");
+}
+
+TEST(ContainerContextTest, RefusalLogNamesTheName)
+{
+    if (!VekTest::LogCapture::Available())
+        GTEST_SKIP() << "the log's settings cannot be redirected on this build";
+    VekTest::TempDir dir;
+    VekTest::LogCapture log(1);
+    RObject<CContainerDirectoryContext> context = CContainerDirectoryContext::Create(Text(dir.Path()));
+    CStream* raw = nullptr;
+    EXPECT_EQ(context->OpenStream(Settings{0, 0}, Text("../a\nb.wav"), raw), RESULT_ACCESS_DENIED);
+    EXPECT_EQ(log.Count("CContainerContext::OpenStream: name \"../a?b.wav\" leaves the context's folder\n"), 1u)
+        << log.Text();
+    const std::string huge = "../" + std::string(1000, 'x');
+    EXPECT_EQ(context->OpenStream(Settings{0, 0}, Text(huge), raw), RESULT_ACCESS_DENIED);
+    EXPECT_EQ(log.Count("\"../" + std::string(253, 'x') + "\"... leaves"), 1u) << log.Text();
 }
 
 TEST(ContainerContextTest, StreamContextHandsOutItsOwnStream)

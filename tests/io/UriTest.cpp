@@ -93,8 +93,18 @@ std::vector<CrackCase> CrackCases()
         {"http://h/a/./b/../c.wav", "http", "h", 80, "", "", "/a/c.wav", "", "", "", "c.wav", "wav",
          "/a/c.wav", false, false},
         {"http://h/p?", "http", "h", 80, "", "", "/p", "?", "", "", "p", n, "/p", false, false},
-        // Ports are kept to 16 bits.
-        {"http://h:99999/", "http", "h", 34463, "", "", "/", "", "", "", "", n, "/", false, false},
+        // A port must fit in 16 bits; a larger one makes the URL invalid
+        // rather than being cut (99999 would read as 34463, 4294967376 as 80).
+        {"http://h:65535/", "http", "h", 65535, "", "", "/", "", "", "", "", n, "/", false, false},
+        {"http://h:65536/", n, n, 0, n, n, n, n, n, n, n, n, n, false, false},
+        {"http://h:99999/", n, n, 0, n, n, n, n, n, n, n, n, n, false, false},
+        {"http://h:4294967376/", n, n, 0, n, n, n, n, n, n, n, n, n, false, false},
+        {"http://h:" + Repeat('9', 40) + "/x", n, n, 0, n, n, n, n, n, n, n, n, n, false, false},
+        // A '?' after the '#' belongs to the fragment.
+        {"http://h/p#f?x", "http", "h", 80, "", "", "/p", "#f?x", "", "f?x", "p", n, "/p", false, false},
+        {"http://h/p?q#f?x#y", "http", "h", 80, "", "", "/p", "?q#f?x#y", "q", "f?x#y", "p", n, "/p",
+         false, false},
+        {"http://h#f", "http", "h", 80, "", "", kAny, "#f", "", "f", kAny, n, kAny, false, false},
         {"http://user@h/", "http", "h", 80, "user", "", "/", "", "", "", "", n, "/", false, false},
         // File URLs: Windows answers with drive and UNC paths.
         {"file:///C:/media/clip.mov", "file", "", 0, "", "", {"/C:/media/clip.mov", "C:\\media\\clip.mov"},
@@ -281,6 +291,20 @@ TEST(UriTest, ConvertsLocalPathsBothWays)
     RObject<CUri> longPath = CUri::CreateWithEscapedUrl(("file:///C:/" + Repeat('a', 300)).c_str());
     Check("long local", longPath->GetLocalPath(), nullptr);
     EXPECT_FALSE(longPath->IsUnc());
+}
+
+TEST(UriTest, NonUtf8FileNamesKeepTheirBytes)
+{
+    if (VEK_PLATFORM_WINDOWS)
+        GTEST_SKIP() << "Windows file names are UTF-16; a lone 0xE9 byte names no file there";
+    // A Latin-1 name, escaped: the local path is the raw bytes, so the file
+    // that the URL names is the one that gets opened.
+    RObject<CUri> fromUrl = CUri::CreateWithEscapedUrl("file:///tmp/caf%E9%FF.wav");
+    Check("local", fromUrl->GetLocalPath(), "/tmp/caf\xE9\xFF.wav");
+    RObject<CUri> fromPath = CUri::CreateWithLocalPath("/m/caf\xE9.wav");
+    ASSERT_TRUE(fromPath);
+    Check("url", fromPath->GetAbsoluteUri(), "file:///m/caf%E9.wav");
+    Check("back", fromPath->GetLocalPath(), "/m/caf\xE9.wav");
 }
 
 TEST(UriTest, SchemeAndAbsoluteTests)

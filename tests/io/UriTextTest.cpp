@@ -94,6 +94,26 @@ TEST(UriTextTest, LabelUnescapeIsForgiving)
     EXPECT_EQ(CUri::UniformResourceLabelUnEscape(nullptr), nullptr);
 }
 
+TEST(UriTextTest, DecodedBytesStayBytes)
+{
+    // An escaped byte that is not UTF-8 (a Latin-1 letter, 0xFF) is the
+    // byte itself in the result, not a replacement character.
+    struct {
+        const char* input;
+        const char* strict; // UnescapeDataString
+        const char* label;  // UniformResourceLabelUnEscape
+    } cases[] = {
+        {"%FF", "\xFF", "\xFF"},
+        {"caf%E9", "caf\xE9", "caf\xE9"},
+        {"%ff%Fe+", "\xFF\xFE+", "\xFF\xFE "},
+        {"%C3%A9", "\xC3\xA9", "\xC3\xA9"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Str(RObject<CString>(CUri::UnescapeDataString(Text(c.input)))), c.strict) << c.input;
+        EXPECT_EQ(Str(RObject<CString>(CUri::UniformResourceLabelUnEscape(Text(c.input)))), c.label) << c.input;
+    }
+}
+
 TEST(UriTextTest, CrackExtraInfoSplitsQueryAndFragment)
 {
     struct {

@@ -140,6 +140,59 @@ CString* CContainerContext::DirectoryOf(CString* path)
     return new (std::nothrow) CString(text, int32_t(last - text + 1));
 }
 
+bool CContainerContext::EscapesFolder(const char* name)
+{
+    if (!name)
+        return false;
+    // A drive letter, with or without a separator after it ("C:x" is
+    // relative to the current folder of drive C).
+    const bool letter = (name[0] >= 'a' && name[0] <= 'z') || (name[0] >= 'A' && name[0] <= 'Z');
+    if (IsAbsolutePath(name) || (letter && name[1] == ':'))
+        return true;
+    // A ".." segment anywhere; both separators count, as the same name
+    // must be refused by every build. Windows drops the dots and spaces
+    // that end a segment (".. " and "..." reach the parent or the folder
+    // itself), so any segment of only dots and spaces with two dots or
+    // more counts as "..".
+    for (const char* segment = name;;) {
+        const size_t length = std::strcspn(segment, "/\\");
+        size_t dots = 0;
+        size_t i = 0;
+        for (; i < length && (segment[i] == '.' || segment[i] == ' '); ++i)
+            dots += segment[i] == '.';
+        if (i == length && dots >= 2)
+            return true;
+        if (segment[length] == 0)
+            return false;
+        segment += length + 1;
+    }
+}
+
+bool CContainerContext::IsListed(CString* name)
+{
+    for (int32_t i = 0; i < m_names->GetCount(); ++i)
+        if (CString::Equals(m_names->Get(i), name))
+            return true;
+    return false;
+}
+
+int CContainerContext::Admit(const char* member, CString* name)
+{
+    if (!ConfinesNames() || m_allowOutsideFolder || !EscapesFolder(name->GetChars()) || IsListed(name))
+        return RESULT_OK;
+    // The name is untrusted: show it without control bytes, and not
+    // without end.
+    const char* text = name->GetChars();
+    char shown[257];
+    size_t n = 0;
+    for (; text[n] && n + 1 < sizeof shown; ++n)
+        shown[n] = (uint8_t(text[n]) < 0x20 || text[n] == 0x7F) ? '?' : text[n];
+    shown[n] = 0;
+    Log(LogLevel::Error, "CContainerContext::%s: name \"%s\"%s leaves the context's folder\n", member, shown,
+        text[n] ? "..." : "");
+    return RESULT_ACCESS_DENIED;
+}
+
 CString* CContainerContext::Resolve(CString* name)
 {
     name->Acquire();
@@ -150,6 +203,9 @@ int CContainerContext::OpenStream(const ReaderSettings& reader, CString* name, C
 {
     if (!name)
         return RESULT_ARGUMENT_NULL;
+    const int admitted = Admit("OpenStream", name);
+    if (admitted < 0)
+        return admitted;
     RObject<CString> path = Resolve(name);
     if (!path)
         return RESULT_OUT_OF_MEMORY;
@@ -160,6 +216,9 @@ int CContainerContext::OpenStream(const WriterSettings&, CString* name, CStream*
 {
     if (!name)
         return RESULT_ARGUMENT_NULL;
+    const int admitted = Admit("OpenStream", name);
+    if (admitted < 0)
+        return admitted;
     RObject<CString> path = Resolve(name);
     if (!path)
         return RESULT_OUT_OF_MEMORY;

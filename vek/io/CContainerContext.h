@@ -47,9 +47,24 @@ public:
     // The full path of the current file; null when there is none.
     virtual CString* GetCurrentFilePath();
 
-    // Opens `name` for a reader: -19004 for a null name, the open's code
-    // on failure, otherwise 0 with the stream in `result`. File-based
-    // contexts open the path that Resolve makes of the name.
+    // Names given to OpenStream usually come from inside a media file (a
+    // reference to a side-car or essence file), so directory and multi-file
+    // contexts refuse one that would leave their folder: an absolute path,
+    // a drive letter, a UNC or root-relative path, or a ".." segment
+    // (slash or backslash separated; a segment of only dots and spaces
+    // with two dots or more counts as one, since Windows trims it to ".."),
+    // on every build alike. Names the host
+    // put in the file list are exempt. A host that wants references to go
+    // anywhere says so here; off by default.
+    void SetAllowNamesOutsideFolder(bool allow) { m_allowOutsideFolder = allow; }
+    bool GetAllowNamesOutsideFolder() const { return m_allowOutsideFolder; }
+    // True when `name` would reach outside the folder it is resolved in.
+    static bool EscapesFolder(const char* name);
+
+    // Opens `name` for a reader: -19004 for a null name, -19102
+    // (RESULT_ACCESS_DENIED) for a name outside the folder (see above), the
+    // open's code on failure, otherwise 0 with the stream in `result`.
+    // File-based contexts open the path that Resolve makes of the name.
     virtual int OpenStream(const ReaderSettings& reader, CString* name, CStream*& result);
     // Opens `name` for a writer, likewise.
     virtual int OpenStream(const WriterSettings& writer, CString* name, CStream*& result);
@@ -60,6 +75,10 @@ protected:
 
     // Makes the array every context starts with; null when out of memory.
     static CArray<CString>* NewNameList();
+
+    // True for contexts that resolve names inside a folder and so refuse
+    // names that leave it. The base takes names as they are.
+    virtual bool ConfinesNames() const { return false; }
 
     // The file path a name stands for in this context: a new reference,
     // or null when out of memory. The base takes the name as it is.
@@ -81,6 +100,14 @@ protected:
 
     RObject<CArray<CString>> m_names;
     int32_t m_current = 0;
+
+private:
+    // RESULT_OK, or RESULT_ACCESS_DENIED (logged) for a name this context
+    // must not open.
+    int Admit(const char* member, CString* name);
+    bool IsListed(CString* name);
+
+    bool m_allowOutsideFolder = false;
 };
 
 } // namespace Quorvex::Vek

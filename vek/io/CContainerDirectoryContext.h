@@ -1,8 +1,10 @@
 #pragma once
 
-// A context over a directory: file names are resolved inside it (a name
-// that is already an absolute path is used as it is). The usual context
-// for a file named by path.
+// A context over a directory: file names are resolved inside it. A name
+// that is an absolute path is used as it is when the host listed it or
+// allowed names outside the folder; otherwise OpenStream refuses it, as it
+// refuses ".." (see CContainerContext). The usual context for a file named
+// by path.
 #include <vek/io/CContainerContext.h>
 
 namespace Quorvex::Vek {
@@ -29,6 +31,7 @@ protected:
     CContainerDirectoryContext(CArray<CString>* names, CString* path);
     ~CContainerDirectoryContext() override;
 
+    bool ConfinesNames() const override { return true; }
     CString* Resolve(CString* name) override;
 
 private:

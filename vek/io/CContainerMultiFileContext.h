@@ -3,7 +3,9 @@
 // A context over a list of files named by full path, each tagged with the
 // kind of content it holds (for example the separate essence files of an
 // MXF OP-Atom package, or a video file with side-car captions). Relative
-// names are resolved against the directory of the current file.
+// names are resolved against the directory of the current file; names
+// that leave it are refused unless listed or allowed (see
+// CContainerContext).
 #include <vek/io/CContainerContext.h>
 
 namespace Quorvex::Vek {
@@ -64,6 +66,7 @@ protected:
     CContainerMultiFileContext(CArray<CString>* names, CArray<CMultiFileCtxInfo>* entries);
     ~CContainerMultiFileContext() override;
 
+    bool ConfinesNames() const override { return true; }
     CString* Resolve(CString* name) override;
 
 private:

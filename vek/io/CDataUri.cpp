@@ -3,8 +3,10 @@
 #include <vek/core/CByteArray.h>
 #include <vek/core/CString.h>
 #include <vek/core/Log.h>
+#include <vek/core/PercentCoding.h>
 
 #include <cstring>
+#include <exception>
 #include <limits>
 #include <new>
 #include <string>
@@ -54,7 +56,7 @@ struct Parsed {
     size_t dataLength = 0;
 };
 
-bool Parse(const char* text, Parsed& parsed)
+bool ParseUnguarded(const char* text, Parsed& parsed)
 {
     if (!text)
         return false;
@@ -83,21 +85,26 @@ bool Parse(const char* text, Parsed& parsed)
     return true;
 }
 
+// Parse without exceptions: the header is copied into a std::string, and
+// a data URI is host input of any size.
+bool Parse(const char* text, Parsed& parsed)
+{
+    try {
+        return ParseUnguarded(text, parsed);
+    } catch (const std::exception& error) {
+        Log(LogLevel::Error, "CDataUri::Parse: %s\n", error.what());
+        return false;
+    }
+}
+
 // Percent-decodes; a '%' without two hexadecimal digits fails.
 bool PercentDecode(const char* text, size_t length, std::string& out)
 {
-    out.clear();
-    out.reserve(length);
-    for (size_t i = 0; i < length; ++i) {
-        if (text[i] != '%') {
-            out += text[i];
-            continue;
-        }
-        if (i + 2 >= length || !CUri::IsHexDigit(text[i + 1]) || !CUri::IsHexDigit(text[i + 2]))
-            return false;
-        out += char(CUri::FromHexDigit(text[i + 1]) * 16 + CUri::FromHexDigit(text[i + 2]));
-        i += 2;
-    }
+    out.resize(length);
+    const int64_t n = PercentCoding::Decode(text, length, out.data(), PercentCoding::Malformed::Fail);
+    if (n < 0)
+        return false;
+    out.resize(size_t(n));
     return true;
 }
 
@@ -171,11 +178,14 @@ CDataUri* CDataUri::CreateWithDataUri(const char* text)
                 parsed.dataLength);
             return nullptr;
         }
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception& error) {
+        Log(LogLevel::Error, "CDataUri::CreateWithDataUri: %s\n", error.what());
         return nullptr;
     }
-    if (bytes.size() > size_t(std::numeric_limits<int32_t>::max()))
+    if (bytes.size() > size_t(std::numeric_limits<int32_t>::max())) {
+        Log(LogLevel::Error, "CDataUri::CreateWithDataUri: %zu bytes of data are over the limit\n", bytes.size());
         return nullptr;
+    }
     CString* stored = new (std::nothrow) CString(text);
     if (!stored)
         return nullptr;
@@ -205,11 +215,14 @@ CByteArray* CDataUri::GetData()
     try {
         if (!m_url || !Parse(m_url->GetChars(), parsed) || !Decode(parsed, bytes))
             return nullptr;
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception& error) {
+        Log(LogLevel::Error, "CDataUri::GetData: %s\n", error.what());
         return nullptr;
     }
-    if (bytes.size() > size_t(std::numeric_limits<int32_t>::max()))
+    if (bytes.size() > size_t(std::numeric_limits<int32_t>::max())) {
+        Log(LogLevel::Error, "CDataUri::GetData: %zu bytes of data are over the limit\n", bytes.size());
         return nullptr;
+    }
     return new (std::nothrow)
         CByteArray(reinterpret_cast<const unsigned char*>(bytes.data()), int32_t(bytes.size()));
 }
@@ -219,10 +232,11 @@ bool CDataUri::IsMediaType(const char* mediaType)
     Parsed parsed;
     if (!mediaType || !m_url || !Parse(m_url->GetChars(), parsed))
         return false;
-    const size_t typeLength = parsed.mediaType.find(';');
-    const std::string type = parsed.mediaType.substr(0, typeLength);
-    const size_t wanted = std::strlen(mediaType);
-    return type.size() == wanted && StartsWithIgnoreCase(type.c_str(), type.size(), mediaType);
+    // Compared in place: the type is the media type up to its first ';'.
+    const size_t found = parsed.mediaType.find(';');
+    const size_t typeLength = found == std::string::npos ? parsed.mediaType.size() : found;
+    return typeLength == std::strlen(mediaType) &&
+           StartsWithIgnoreCase(parsed.mediaType.c_str(), typeLength, mediaType);
 }
 
 } // namespace Quorvex::Vek

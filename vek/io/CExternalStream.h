@@ -4,6 +4,13 @@
 // expected. The host's answers are untrusted: a count larger than asked
 // for is reported as -19015 (RESULT_UNEXPECTED) with a log line instead of
 // being passed on, and negative lengths and positions become -1.
+//
+// The adapter is reference counted and may outlive the host object (a
+// cache or a reader may still hold it), so the host detaches it before it
+// goes away. Every call made after Detach answers as a closed stream does:
+// -19010 (RESULT_BAD_ORDER_ERROR) for operations with a result code, false
+// for the capability questions and -1 for length and position.
+#include <vek/core/CLock.h>
 #include <vek/io/CStream.h>
 
 namespace Quorvex::Vek {
@@ -12,7 +19,7 @@ class ExternalStream;
 
 class VEK_API CExternalStream : public CStream {
 public:
-    // Uses `host` without owning it; the host keeps it alive.
+    // Uses `host` without owning it until Detach.
     explicit CExternalStream(ExternalStream* host);
 
     using CStream::Read;
@@ -30,12 +37,21 @@ public:
     int Write(const unsigned char* buffer, int32_t count) override;
     int Flush() override;
 
-    ExternalStream* GetHost() const { return m_host; }
+    // Forgets the host. Waits for a call into the host that another thread
+    // has under way, so once Detach returns the host is never touched
+    // again and may be destroyed. May be called from inside a host
+    // operation (the lock is re-entrant) and more than once.
+    void Detach();
+    bool IsDetached();
 
 protected:
     ~CExternalStream() override;
 
 private:
+    // Holds m_lock for the life of the object; host() is null once detached.
+    class Use;
+
+    CLock m_lock;
     ExternalStream* m_host;
 };
 

@@ -247,7 +247,22 @@ CString* CUri::GetPath(CString* url)
 
 CString* CUri::GetExtraInfo(CString* url)
 {
-    return CrackText(url, Platform::UrlExtraInfo, [](UrlParts& p) -> char* { return p.extraInfo; });
+    // The URL services disagree on a '?' after a '#' ("http://h/p#f?x"): the
+    // extra info is cut from the URL text here, at its first '?' or '#',
+    // which no scheme, authority or path holds unescaped. The crack only
+    // checks that the text is a URL.
+    const char* text = Chars(url);
+    if (!Crack(text, Platform::UrlPort, false))
+        return nullptr;
+    const char* extra = std::strpbrk(text, "?#");
+    if (!extra)
+        return NewString("");
+    const size_t length = std::strlen(extra);
+    if (length >= Platform::UrlExtraInfoCapacity) {
+        Log(LogLevel::Error, "CUri::GetExtraInfo: extra info of %zu characters is over the limit\n", length);
+        return nullptr;
+    }
+    return NewString(extra, length);
 }
 
 CString* CUri::GetQuery(CString* url)

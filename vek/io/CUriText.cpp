@@ -4,11 +4,12 @@
 #include <vek/io/CUri.h>
 
 #include <vek/core/CString.h>
+#include <vek/core/CharClass.h>
+#include <vek/core/PercentCoding.h>
 
 #include <cstring>
 #include <memory>
 #include <new>
-#include <string>
 
 namespace Quorvex::Vek {
 
@@ -26,6 +27,18 @@ CString* Share(CString* text)
 {
     text->Acquire();
     return text;
+}
+
+// A new string of the decoded bytes, kept as bytes (an escaped byte that is
+// not UTF-8 stays that byte); null for a malformed escape when `mode` says
+// so, or when out of memory.
+CString* Decode(const char* chars, size_t length, PercentCoding::Malformed mode, bool plusIsSpace)
+{
+    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 1]);
+    if (!out)
+        return nullptr;
+    const int64_t n = PercentCoding::Decode(chars, length, out.get(), mode, plusIsSpace);
+    return n < 0 ? nullptr : NewString(out.get(), size_t(n));
 }
 
 bool NeedsEscape(char c, unsigned int flags)
@@ -52,13 +65,7 @@ bool CUri::IsHexDigit(char c)
 
 int CUri::FromHexDigit(char c)
 {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
+    return CharClass::HexDigitValue(CharClass::Widen(c));
 }
 
 char CUri::ToHexDigit(int32_t value)
@@ -105,35 +112,9 @@ CString* CUri::UnescapeDataString(CString* text)
         return new (std::nothrow) CString();
     const char* chars = text->GetChars();
     const size_t length = std::strlen(chars);
-    if (length == 0)
+    if (std::memchr(chars, '%', length) == nullptr)
         return Share(text);
-
-    // Validate everything first: a bad escape anywhere refuses the whole text.
-    size_t escapes = 0;
-    for (size_t i = 0; i < length; ++i) {
-        if (chars[i] != '%')
-            continue;
-        if (i + 2 >= length || !IsHexDigit(chars[i + 1]) || !IsHexDigit(chars[i + 2]))
-            return nullptr;
-        ++escapes;
-        i += 2;
-    }
-    if (escapes == 0)
-        return Share(text);
-
-    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 1]);
-    if (!out)
-        return nullptr;
-    size_t n = 0;
-    for (size_t i = 0; i < length; ++i) {
-        if (chars[i] == '%') {
-            out[n++] = char(FromHexDigit(chars[i + 1]) * 16 + FromHexDigit(chars[i + 2]));
-            i += 2;
-        } else {
-            out[n++] = chars[i];
-        }
-    }
-    return NewString(out.get(), n);
+    return Decode(chars, length, PercentCoding::Malformed::Fail, false);
 }
 
 CString* CUri::UniformResourceLabelUnEscape(CString* text)
@@ -141,23 +122,7 @@ CString* CUri::UniformResourceLabelUnEscape(CString* text)
     if (!text)
         return nullptr;
     const char* chars = text->GetChars();
-    const size_t length = std::strlen(chars);
-    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 1]);
-    if (!out)
-        return nullptr;
-    size_t n = 0;
-    for (size_t i = 0; i < length; ++i) {
-        const char c = chars[i];
-        if (c == '+') {
-            out[n++] = ' ';
-        } else if (c == '%' && i + 2 < length && IsHexDigit(chars[i + 1]) && IsHexDigit(chars[i + 2])) {
-            out[n++] = char(FromHexDigit(chars[i + 1]) * 16 + FromHexDigit(chars[i + 2]));
-            i += 2;
-        } else {
-            out[n++] = c;
-        }
-    }
-    return NewString(out.get(), n);
+    return Decode(chars, std::strlen(chars), PercentCoding::Malformed::Keep, true);
 }
 
 void CUri::CrackExtraInfo(CString* extra, CString*& query, CString*& fragment)

@@ -74,6 +74,12 @@ int ContainerContext::AddFullFileName(const char* path, unsigned int kind) const
     return static_cast<CContainerMultiFileContext*>(context)->AddFullFileName(NewText(path), kind);
 }
 
+void ContainerContext::SetAllowNamesOutsideFolder(bool allow) const
+{
+    if (ToObject())
+        ToObject()->SetAllowNamesOutsideFolder(allow);
+}
+
 bool ContainerContext::MoveNextFile() const
 {
     return ToObject() && ToObject()->MoveNextFile();

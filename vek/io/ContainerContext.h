@@ -29,6 +29,10 @@ public:
     int AddFilePath(const char* path) const;
     // Only for a context made by CreateForFiles; -19016 for any other.
     int AddFullFileName(const char* path, unsigned int kind) const;
+    // Lets OpenReadStream/OpenWriteStream reach names outside the
+    // context's folder (absolute paths, ".."); off by default, because
+    // readers pass names taken from media files. No effect on a null handle.
+    void SetAllowNamesOutsideFolder(bool allow) const;
     bool MoveNextFile() const;
     void ResetFiles() const;
     String GetCurrentFileName() const;

@@ -6,11 +6,26 @@
 
 namespace Quorvex::Vek {
 
-ExternalStream::~ExternalStream() = default;
+ExternalStream::ExternalStream() = default;
+
+ExternalStream::~ExternalStream()
+{
+    Detach();
+}
 
 Stream ExternalStream::AsStream()
 {
-    return Stream(new (std::nothrow) CExternalStream(this));
+    if (!m_adapter)
+        m_adapter = RObject<CExternalStream>(new (std::nothrow) CExternalStream(this));
+    return Stream::FromObject(m_adapter);
+}
+
+void ExternalStream::Detach()
+{
+    if (!m_adapter)
+        return;
+    m_adapter->Detach();
+    m_adapter = nullptr;
 }
 
 } // namespace Quorvex::Vek

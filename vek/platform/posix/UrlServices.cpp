@@ -5,30 +5,21 @@
 // from the caller's own text, so what comes back is what was given.
 #include <vek/platform/UrlServices.h>
 
+#include <vek/core/Log.h>
+#include <vek/core/PercentCoding.h>
+
 #include <uriparser/Uri.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <exception>
 #include <string>
 #include <vector>
 
 namespace Quorvex::Vek::Platform {
 
 namespace {
-
-bool IsHex(char c)
-{
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
-int HexValue(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return c - 'A' + 10;
-}
 
 char Lower(char c)
 {
@@ -68,7 +59,11 @@ size_t SchemeLength(const char* text)
 
 bool HasEscapeAt(const char* text, size_t i)
 {
-    return text[i] == '%' && IsHex(text[i + 1]) && IsHex(text[i + 2]);
+    // The text is terminated: look no further than three bytes from `i`.
+    size_t end = i;
+    while (end < i + 3 && text[end])
+        ++end;
+    return PercentCoding::IsEscapeAt(text, end, i);
 }
 
 // Characters RFC 3986 allows outside the scheme, apart from '%' and '#'.
@@ -105,16 +100,9 @@ std::string Sanitize(const char* text, size_t schemeLength, bool encode)
 
 std::string Unescape(const std::string& text)
 {
-    std::string out;
-    out.reserve(text.size());
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (HasEscapeAt(text.c_str(), i)) {
-            out += char(HexValue(text[i + 1]) * 16 + HexValue(text[i + 2]));
-            i += 2;
-        } else {
-            out += text[i];
-        }
-    }
+    std::string out(text.size(), '\0');
+    const int64_t n = PercentCoding::Decode(text.data(), text.size(), out.data(), PercentCoding::Malformed::Keep);
+    out.resize(size_t(n < 0 ? 0 : n));
     // An escaped NUL ends the text, as it does for a C string.
     return out.substr(0, std::strlen(out.c_str()));
 }
@@ -173,6 +161,30 @@ uint16_t DefaultPort(const std::string& scheme)
     return 0;
 }
 
+// A parsed URI whose members are freed however the scope is left.
+struct ParsedUri {
+    UriUriA uri;
+    bool live = false;
+    ParsedUri() = default;
+    ParsedUri(const ParsedUri&) = delete;
+    ParsedUri& operator=(const ParsedUri&) = delete;
+    ~ParsedUri()
+    {
+        if (live)
+            uriFreeUriMembersA(&uri);
+    }
+    bool Parse(const char* text)
+    {
+        const char* errorPos = nullptr;
+        live = uriParseSingleUriA(&uri, text, &errorPos) == URI_SUCCESS;
+        return live;
+    }
+};
+
+// The highest port a URL can name; a larger one makes the URL invalid, as
+// the Windows services have it, rather than being cut to 16 bits.
+constexpr uint32_t kMaxPort = 65535;
+
 // The components as texts of the original URL.
 struct Cracked {
     std::string scheme, host, userName, password, path, extraInfo;
@@ -188,10 +200,10 @@ bool Split(const char* url, Cracked& cracked)
         return false;
     const std::string safe = Sanitize(url, schemeLength, false);
 
-    UriUriA uri;
-    const char* errorPos = nullptr;
-    if (uriParseSingleUriA(&uri, safe.c_str(), &errorPos) != URI_SUCCESS)
+    ParsedUri parsed;
+    if (!parsed.Parse(safe.c_str()))
         return false;
+    const UriUriA& uri = parsed.uri;
     const char* origin = safe.c_str();
     auto text = [&](const UriTextRangeA& range) {
         if (!range.first || !range.afterLast)
@@ -210,10 +222,16 @@ bool Split(const char* url, Cracked& cracked)
     cracked.password = colon == std::string::npos ? std::string() : userInfo.substr(colon + 1);
     if (uri.portText.first && uri.portText.afterLast > uri.portText.first) {
         cracked.hasPort = true;
-        for (const char* p = uri.portText.first; p < uri.portText.afterLast; ++p)
+        for (const char* p = uri.portText.first; p < uri.portText.afterLast; ++p) {
             cracked.port = cracked.port * 10 + uint32_t(*p - '0');
+            if (cracked.port > kMaxPort) {
+                Log(LogLevel::Error, "UrlServices::CrackUrl: port %.*s is above %u\n",
+                    int(std::min<ptrdiff_t>(uri.portText.afterLast - uri.portText.first, 40)),
+                    url + (uri.portText.first - origin), unsigned(kMaxPort));
+                return false;
+            }
+        }
     }
-    uriFreeUriMembersA(&uri);
 
     // The path runs from the end of the authority to the first '?' or '#'.
     size_t pathStart = schemeLength + 1;
@@ -312,9 +330,29 @@ std::string WindowsEscaping(const std::string& combined, const char* relative)
     return out;
 }
 
-} // namespace
+// uriparser is C, but the wrapper around it builds std::strings: an
+// allocation failure (or a length beyond what a string can hold) must end
+// as a failed call here, not travel up into the library and its host.
+template <typename Body>
+bool Guarded(const char* member, Body&& body)
+{
+    try {
+        return body();
+    } catch (const std::exception& error) {
+        Log(LogLevel::Error, "UrlServices::%s: %s\n", member, error.what());
+        return false;
+    }
+}
 
-bool CrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts)
+// Empties a failed call's output buffer; always false.
+bool Cleared(char* out)
+{
+    if (out)
+        out[0] = 0;
+    return false;
+}
+
+bool UnguardedCrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts)
 {
     Clear(parts);
     Cracked cracked;
@@ -336,7 +374,7 @@ bool CrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts)
     return true;
 }
 
-bool CombineUrl(const char* base, const char* relative, char* out)
+bool UnguardedCombineUrl(const char* base, const char* relative, char* out)
 {
     if (!base || !relative || !out)
         return false;
@@ -347,24 +385,15 @@ bool CombineUrl(const char* base, const char* relative, char* out)
     const std::string safeBase = Sanitize(base, baseScheme, true);
     const std::string safeRelative = Sanitize(relative, SchemeLength(relative), true);
 
-    UriUriA baseUri, relativeUri, result;
-    const char* errorPos = nullptr;
-    if (uriParseSingleUriA(&baseUri, safeBase.c_str(), &errorPos) != URI_SUCCESS)
+    ParsedUri baseUri, relativeUri, result;
+    if (!baseUri.Parse(safeBase.c_str()) || !relativeUri.Parse(safeRelative.c_str()))
         return false;
-    if (uriParseSingleUriA(&relativeUri, safeRelative.c_str(), &errorPos) != URI_SUCCESS) {
-        uriFreeUriMembersA(&baseUri);
-        return false;
-    }
-    const bool resolved = uriAddBaseUriExA(&result, &relativeUri, &baseUri,
-                                           URI_RESOLVE_IDENTICAL_SCHEME_COMPAT) == URI_SUCCESS;
+    result.live = uriAddBaseUriExA(&result.uri, &relativeUri.uri, &baseUri.uri,
+                                   URI_RESOLVE_IDENTICAL_SCHEME_COMPAT) == URI_SUCCESS;
     int required = 0;
-    const bool ok = resolved && uriToStringCharsRequiredA(&result, &required) == URI_SUCCESS &&
+    const bool ok = result.live && uriToStringCharsRequiredA(&result.uri, &required) == URI_SUCCESS &&
                     required >= 0 && uint32_t(required) < UrlCapacity &&
-                    uriToStringA(out, &result, int(UrlCapacity), nullptr) == URI_SUCCESS;
-    if (resolved)
-        uriFreeUriMembersA(&result);
-    uriFreeUriMembersA(&relativeUri);
-    uriFreeUriMembersA(&baseUri);
+                    uriToStringA(out, &result.uri, int(UrlCapacity), nullptr) == URI_SUCCESS;
     if (!ok) {
         out[0] = 0;
         return false;
@@ -372,7 +401,7 @@ bool CombineUrl(const char* base, const char* relative, char* out)
     return Put(WindowsEscaping(out, relative), out, UrlCapacity);
 }
 
-bool EscapeUrl(const char* url, char* out)
+bool UnguardedEscapeUrl(const char* url, char* out)
 {
     static const char digits[] = "0123456789ABCDEF";
     if (!url || !out)
@@ -402,7 +431,7 @@ bool EscapeUrl(const char* url, char* out)
     return Put(result, out, UrlCapacity);
 }
 
-bool UnescapeUrl(const char* url, char* out)
+bool UnguardedUnescapeUrl(const char* url, char* out)
 {
     if (!url || !out)
         return false;
@@ -410,7 +439,7 @@ bool UnescapeUrl(const char* url, char* out)
     return Put(Unescape(url), out, UrlCapacity);
 }
 
-bool UrlFromPath(const char* path, char* out)
+bool UnguardedUrlFromPath(const char* path, char* out)
 {
     if (!path || !out)
         return false;
@@ -430,7 +459,7 @@ bool UrlFromPath(const char* path, char* out)
     return Put(url, out, UrlCapacity);
 }
 
-bool PathFromUrl(const char* url, char* out)
+bool UnguardedPathFromUrl(const char* url, char* out)
 {
     if (!url || !out)
         return false;
@@ -444,6 +473,41 @@ bool PathFromUrl(const char* url, char* out)
     if (path.empty())
         return false;
     return Put(path, out, LocalPathCapacity);
+}
+
+} // namespace
+
+bool CrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts)
+{
+    const bool ok = Guarded("CrackUrl", [&] { return UnguardedCrackUrl(url, wanted, decode, parts); });
+    if (!ok)
+        Clear(parts);
+    return ok;
+}
+
+bool CombineUrl(const char* base, const char* relative, char* out)
+{
+    return Guarded("CombineUrl", [&] { return UnguardedCombineUrl(base, relative, out); }) || Cleared(out);
+}
+
+bool EscapeUrl(const char* url, char* out)
+{
+    return Guarded("EscapeUrl", [&] { return UnguardedEscapeUrl(url, out); }) || Cleared(out);
+}
+
+bool UnescapeUrl(const char* url, char* out)
+{
+    return Guarded("UnescapeUrl", [&] { return UnguardedUnescapeUrl(url, out); }) || Cleared(out);
+}
+
+bool UrlFromPath(const char* path, char* out)
+{
+    return Guarded("UrlFromPath", [&] { return UnguardedUrlFromPath(path, out); }) || Cleared(out);
+}
+
+bool PathFromUrl(const char* url, char* out)
+{
+    return Guarded("PathFromUrl", [&] { return UnguardedPathFromUrl(url, out); }) || Cleared(out);
 }
 
 bool IsFileUrl(const char* url)

@@ -44,6 +44,28 @@ bool IsDirectory(const wchar_t* path)
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+// The longest file or folder name, in UTF-16 units, and the longest path
+// that the wide-character calls take at all.
+constexpr size_t kMaxNameUnits = 255;
+constexpr size_t kMaxPathUnits = 32767;
+
+// The runtime reports a name over the file system's limit as "not found";
+// POSIX says "name too long", and both builds must give the same answer.
+bool IsNameTooLong(const std::vector<wchar_t>& path)
+{
+    // `path` ends with its terminator.
+    if (path.size() - 1 >= kMaxPathUnits)
+        return true;
+    size_t run = 0;
+    for (size_t i = 0; i + 1 < path.size(); ++i) {
+        const wchar_t unit = path[i];
+        run = (unit == L'\\' || unit == L'/') ? 0 : run + 1;
+        if (run > kMaxNameUnits)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
@@ -57,6 +79,10 @@ int FileOpen(const char* utf8Path, FileOpenMode mode, FileError& error)
     if (descriptor >= 0)
         return descriptor;
     const int number = errno;
+    if (number == ENOENT && IsNameTooLong(path)) {
+        error = FileErrorFromNumber(ENAMETOOLONG);
+        return kInvalidFileDescriptor;
+    }
     // The runtime reports a directory as access denied; name it as POSIX does.
     if (number == EACCES && IsDirectory(path.data())) {
         error = FileErrorFromNumber(EISDIR);

@@ -1,5 +1,7 @@
 #include <vek/platform/UrlServices.h>
 
+#include <vek/core/Log.h>
+
 #include <windows.h>
 #include <wininet.h>
 #include <shlwapi.h>
@@ -26,12 +28,51 @@ void Want(bool wanted, char* buffer, uint32_t capacity, LPSTR& field, DWORD& len
     length = wanted ? capacity : 0;
 }
 
+// WinINet keeps only the low 16 bits of a port that is too large
+// ("http://h:65536/" reads as port 0), where a URL with such a port is not
+// valid at all; refuse it before cracking, as uriparser's wrapper does.
+bool PortInRange(const char* url)
+{
+    const char* authority = std::strstr(url, "://");
+    if (!authority)
+        return true;
+    authority += 3;
+    const size_t length = std::strcspn(authority, "/\\?#");
+    const char* end = authority + length;
+    const char* host = authority;
+    for (const char* p = authority; p < end; ++p)
+        if (*p == '@')
+            host = p + 1;
+    if (*host == '[') {
+        while (host < end && *host != ']')
+            ++host;
+    }
+    const char* colon = nullptr;
+    for (const char* p = host; p < end; ++p)
+        if (*p == ':')
+            colon = p;
+    if (!colon)
+        return true;
+    uint32_t port = 0;
+    for (const char* p = colon + 1; p < end; ++p) {
+        if (*p < '0' || *p > '9')
+            return true; // not a number: WinINet's own answer stands
+        port = port * 10 + uint32_t(*p - '0');
+        if (port > 65535) {
+            Log(LogLevel::Error, "UrlServices::CrackUrl: port %.*s is above 65535\n",
+                int(end - colon - 1 > 40 ? 40 : end - colon - 1), colon + 1);
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 bool CrackUrl(const char* url, uint32_t wanted, bool decode, UrlParts& parts)
 {
     Clear(parts);
-    if (!url)
+    if (!url || !PortInRange(url))
         return false;
 
     URL_COMPONENTSA components{};
