@@ -103,7 +103,7 @@ void CObject::Synchronize()
     CLock& global = MonitorCreationLock();
     global.Enter();
     if (!m_monitor.load(std::memory_order_relaxed))
-        m_monitor.store(new (std::nothrow) CLock(), std::memory_order_release);
+        m_monitor.store(new (fallible) CLock(), std::memory_order_release);
     global.Exit();
 }
 

@@ -1,5 +1,7 @@
 #include <vek/io/CContainerContext.h>
 
+#include <vek/core/CharClass.h>
+
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 #include <vek/io/CBufferedStream.h>
@@ -62,7 +64,7 @@ CString* CContainerContext::GetCurrentFilePath()
 
 int CContainerContext::OpenForReading(CString* path, const ReaderSettings& reader, CStream*& result)
 {
-    RObject<CFileDescriptorStream> file = new (std::nothrow) CFileDescriptorStream(FileStream::FileMode::Read);
+    RObject<CFileDescriptorStream> file = new (fallible) CFileDescriptorStream(FileStream::FileMode::Read);
     if (!file)
         return RESULT_OUT_OF_MEMORY;
     int status = file->Open(path);
@@ -80,7 +82,7 @@ int CContainerContext::OpenForReading(CString* path, const ReaderSettings& reade
         result = file.Detach();
         return RESULT_OK;
     }
-    CBufferedStream* buffered = new (std::nothrow) CBufferedStream(file, reader.bufferSize, ReadBufferBlocks);
+    CBufferedStream* buffered = new (fallible) CBufferedStream(file, reader.bufferSize, ReadBufferBlocks);
     if (!buffered)
         return RESULT_OUT_OF_MEMORY;
     result = buffered;
@@ -90,7 +92,7 @@ int CContainerContext::OpenForReading(CString* path, const ReaderSettings& reade
 int CContainerContext::OpenForWriting(CString* path, CStream*& result)
 {
     RObject<CFileDescriptorStream> file =
-        new (std::nothrow) CFileDescriptorStream(FileStream::FileMode::ReadWrite);
+        new (fallible) CFileDescriptorStream(FileStream::FileMode::ReadWrite);
     if (!file)
         return RESULT_OUT_OF_MEMORY;
     const int status = file->Open(path);
@@ -106,7 +108,7 @@ bool CContainerContext::IsAbsolutePath(const char* path)
         return false;
     if (path[0] == '/' || path[0] == '\\')
         return true;
-    const bool letter = (path[0] >= 'a' && path[0] <= 'z') || (path[0] >= 'A' && path[0] <= 'Z');
+    const bool letter = CharClass::IsAsciiLetter(path[0]);
     return letter && path[1] == ':' && (path[2] == '/' || path[2] == '\\');
 }
 
@@ -137,7 +139,7 @@ CString* CContainerContext::DirectoryOf(CString* path)
     const char* last = slash > backslash ? slash : backslash;
     if (!last)
         return nullptr;
-    return new (std::nothrow) CString(text, int32_t(last - text + 1));
+    return CString::Create(text, int32_t(last - text + 1));
 }
 
 bool CContainerContext::EscapesFolder(const char* name)
@@ -146,7 +148,7 @@ bool CContainerContext::EscapesFolder(const char* name)
         return false;
     // A drive letter, with or without a separator after it ("C:x" is
     // relative to the current folder of drive C).
-    const bool letter = (name[0] >= 'a' && name[0] <= 'z') || (name[0] >= 'A' && name[0] <= 'Z');
+    const bool letter = CharClass::IsAsciiLetter(name[0]);
     if (IsAbsolutePath(name) || (letter && name[1] == ':'))
         return true;
     // A ".." segment anywhere; both separators count, as the same name

@@ -22,7 +22,7 @@ CContainerDirectoryContext* CContainerDirectoryContext::Create(CString* path)
     CArray<CString>* names = NewNameList();
     if (!names)
         return nullptr;
-    auto* context = new (std::nothrow) CContainerDirectoryContext(names, path);
+    auto* context = new (fallible) CContainerDirectoryContext(names, path);
     if (!context)
         names->Release();
     return context;
@@ -60,7 +60,7 @@ int CContainerDirectoryContext::AddFilePath(CString* path)
         if (last != '/' && last != '\\' && (*rest == '/' || *rest == '\\'))
             ++rest;
         if (rest != text + length || last == '/' || last == '\\') {
-            RObject<CString> name = new (std::nothrow) CString(rest);
+            RObject<CString> name = CString::Create(rest);
             return name ? AddFileName(name) : RESULT_OUT_OF_MEMORY;
         }
     }

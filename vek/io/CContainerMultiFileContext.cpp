@@ -20,7 +20,7 @@ CMultiFileCtxInfo* CMultiFileCtxInfo::Create(CString* fileName, unsigned int kin
 {
     if (!fileName)
         return nullptr;
-    return new (std::nothrow) CMultiFileCtxInfo(fileName, kind);
+    return new (fallible) CMultiFileCtxInfo(fileName, kind);
 }
 
 CContainerMultiFileContext::CContainerMultiFileContext(CArray<CString>* names,
@@ -37,7 +37,7 @@ CContainerMultiFileContext* CContainerMultiFileContext::Create()
     RObject<CArray<CMultiFileCtxInfo>> entries = CArray<CMultiFileCtxInfo>::Create();
     if (!names || !entries)
         return nullptr;
-    auto* context = new (std::nothrow) CContainerMultiFileContext(names, entries);
+    auto* context = new (fallible) CContainerMultiFileContext(names, entries);
     if (!context)
         return nullptr;
     names.Detach();

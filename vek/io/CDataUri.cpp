@@ -2,6 +2,7 @@
 
 #include <vek/core/CByteArray.h>
 #include <vek/core/CString.h>
+#include <vek/core/CharClass.h>
 #include <vek/core/Log.h>
 #include <vek/core/PercentCoding.h>
 
@@ -17,20 +18,10 @@ namespace {
 
 constexpr const char* kDefaultMediaType = "text/plain;charset=US-ASCII";
 
-char Lower(char c)
-{
-    return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c;
-}
-
 bool StartsWithIgnoreCase(const char* text, size_t length, const char* prefix)
 {
     const size_t n = std::strlen(prefix);
-    if (length < n)
-        return false;
-    for (size_t i = 0; i < n; ++i)
-        if (Lower(text[i]) != Lower(prefix[i]))
-            return false;
-    return true;
+    return length >= n && CharClass::EqualsIgnoreAsciiCase(text, prefix, int32_t(n));
 }
 
 int Base64Value(char c)
@@ -186,10 +177,10 @@ CDataUri* CDataUri::CreateWithDataUri(const char* text)
         Log(LogLevel::Error, "CDataUri::CreateWithDataUri: %zu bytes of data are over the limit\n", bytes.size());
         return nullptr;
     }
-    CString* stored = new (std::nothrow) CString(text);
+    CString* stored = CString::Create(text);
     if (!stored)
         return nullptr;
-    CDataUri* uri = new (std::nothrow) CDataUri(stored);
+    CDataUri* uri = new (fallible) CDataUri(stored);
     if (!uri)
         stored->Release();
     return uri;
@@ -205,7 +196,7 @@ CString* CDataUri::GetMediaType()
     Parsed parsed;
     if (!m_url || !Parse(m_url->GetChars(), parsed))
         return nullptr;
-    return new (std::nothrow) CString(parsed.mediaType.c_str());
+    return CString::Create(parsed.mediaType.c_str());
 }
 
 CByteArray* CDataUri::GetData()
@@ -223,7 +214,7 @@ CByteArray* CDataUri::GetData()
         Log(LogLevel::Error, "CDataUri::GetData: %zu bytes of data are over the limit\n", bytes.size());
         return nullptr;
     }
-    return new (std::nothrow)
+    return new (fallible)
         CByteArray(reinterpret_cast<const unsigned char*>(bytes.data()), int32_t(bytes.size()));
 }
 

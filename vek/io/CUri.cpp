@@ -1,6 +1,8 @@
 #include <vek/io/CUri.h>
 
 #include <vek/core/CString.h>
+#include <vek/core/CharClass.h>
+#include <vek/core/FormattedText.h>
 #include <vek/core/Log.h>
 #include <vek/platform/UrlServices.h>
 
@@ -26,7 +28,7 @@ using Platform::UrlParts;
 // A URL-sized scratch buffer; on the heap because the services' limits make
 // stack buffers large.
 struct UrlBuffer {
-    std::unique_ptr<char[]> text{new (std::nothrow) char[Platform::UrlCapacity]};
+    std::unique_ptr<char[]> text{new (fallible) char[Platform::UrlCapacity]};
     explicit operator bool() const { return text != nullptr; }
     char* get() const { return text.get(); }
 };
@@ -38,19 +40,19 @@ const char* Chars(CString* text)
 
 CString* NewString(const char* text)
 {
-    return new (std::nothrow) CString(text);
+    return CString::Create(text);
 }
 
 CString* NewString(const char* text, size_t length)
 {
-    return new (std::nothrow) CString(text, int32_t(length));
+    return CString::Create(text, int32_t(length));
 }
 
 std::unique_ptr<UrlParts> Crack(const char* url, uint32_t wanted, bool decode)
 {
     if (!url)
         return nullptr;
-    std::unique_ptr<UrlParts> parts(new (std::nothrow) UrlParts);
+    std::unique_ptr<UrlParts> parts(new (fallible) UrlParts);
     if (!parts || !Platform::CrackUrl(url, wanted, decode, *parts))
         return nullptr;
     return parts;
@@ -96,27 +98,17 @@ CString* LastComponent(const char* url, bool extensionOnly)
     return NewString(path + dot + 1, length - dot - 1);
 }
 
-bool IsSchemeStart(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool IsSchemeChar(char c)
 {
-    return IsSchemeStart(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+    return CharClass::IsAsciiLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
 }
 
 bool SchemeEquals(const char* scheme, const char* wanted)
 {
     if (!scheme || !wanted)
         return false;
-    for (; *scheme && *wanted; ++scheme, ++wanted) {
-        const char a = (*scheme >= 'A' && *scheme <= 'Z') ? char(*scheme + 32) : *scheme;
-        const char b = (*wanted >= 'A' && *wanted <= 'Z') ? char(*wanted + 32) : *wanted;
-        if (a != b)
-            return false;
-    }
-    return *scheme == 0 && *wanted == 0;
+    const size_t length = std::strlen(scheme);
+    return length == std::strlen(wanted) && CharClass::EqualsIgnoreAsciiCase(scheme, wanted, int32_t(length));
 }
 
 } // namespace
@@ -153,7 +145,7 @@ CUri* CUri::CreateWithEscapedUrl(const char* url)
     CString* text = NewString(url);
     if (!text)
         return nullptr;
-    CUri* uri = new (std::nothrow) CUri(text);
+    CUri* uri = new (fallible) CUri(text);
     if (!uri)
         text->Release();
     return uri;
@@ -165,15 +157,9 @@ CUri* CUri::CreateWithFormat(const char* format, ...)
         return nullptr;
     va_list arguments;
     va_start(arguments, format);
-    va_list measure;
-    va_copy(measure, arguments);
-    const int needed = std::vsnprintf(nullptr, 0, format, measure);
-    va_end(measure);
-    std::unique_ptr<char[]> text(needed >= 0 ? new (std::nothrow) char[size_t(needed) + 1] : nullptr);
-    if (text)
-        std::vsnprintf(text.get(), size_t(needed) + 1, format, arguments);
+    const FormattedText text(format, arguments);
     va_end(arguments);
-    return text ? CreateWithUrl(text.get()) : nullptr;
+    return text.Get() ? CreateWithUrl(text.Get()) : nullptr;
 }
 
 CUri* CUri::CreateWithLocalPath(const char* path)
@@ -317,7 +303,7 @@ CString* CUri::GetLocalPath()
 {
     if (!IsFile())
         return GetPath();
-    std::unique_ptr<char[]> path(new (std::nothrow) char[Platform::LocalPathCapacity]);
+    std::unique_ptr<char[]> path(new (fallible) char[Platform::LocalPathCapacity]);
     if (!path || !Platform::PathFromUrl(Chars(m_url), path.get()))
         return nullptr;
     return NewString(path.get());
@@ -369,7 +355,7 @@ bool CUri::IsAbsoluteUri()
 bool CUri::IsAbsoluteUri(CString* url)
 {
     const char* text = Chars(url);
-    if (!text || !IsSchemeStart(text[0]))
+    if (!text || !CharClass::IsAsciiLetter(text[0]))
         return false;
     size_t n = 1;
     while (IsSchemeChar(text[n]))

@@ -16,7 +16,7 @@ namespace {
 
 bool Assign(RObject<CString>& field, const char* text)
 {
-    CString* value = new (std::nothrow) CString(text ? text : "");
+    CString* value = CString::Create(text ? text : "");
     if (!value)
         return false;
     field = value;
@@ -88,7 +88,7 @@ CUriBuilder* CUriBuilder::Create(CUri* uri)
 {
     if (!uri)
         return nullptr;
-    RObject<CUriBuilder> builder = new (std::nothrow) CUriBuilder();
+    RObject<CUriBuilder> builder = new (fallible) CUriBuilder();
     if (!builder)
         return nullptr;
     RObject<CString> path = uri->GetPath();
@@ -106,7 +106,7 @@ CUriBuilder* CUriBuilder::Create(CUri* uri)
 CUriBuilder* CUriBuilder::Create(const char* scheme, const char* host, uint16_t port,
                                  const char* path, const char* extraInfo)
 {
-    RObject<CUriBuilder> builder = new (std::nothrow) CUriBuilder();
+    RObject<CUriBuilder> builder = new (fallible) CUriBuilder();
     if (!builder || !builder->Initialise(scheme, host, port, path, extraInfo))
         return nullptr;
     return builder.Detach();
@@ -184,7 +184,7 @@ CString* CUriBuilder::BuildExtraInfoString(CUriParameterCollection* parameters, 
                 return nullptr;
         }
         if (fragment && *fragment) {
-            RObject<CString> text = new (std::nothrow) CString(fragment);
+            RObject<CString> text = CString::Create(fragment);
             extra += '#';
             if (!text || !AppendEscaped(extra, text))
                 return nullptr;
@@ -192,7 +192,7 @@ CString* CUriBuilder::BuildExtraInfoString(CUriParameterCollection* parameters, 
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
-    return new (std::nothrow) CString(extra.c_str(), int32_t(extra.size()));
+    return CString::Create(extra.c_str(), int32_t(extra.size()));
 }
 
 } // namespace Quorvex::Vek

@@ -17,8 +17,8 @@ CUriParameter* CUriParameter::Create(const char* name, const char* value)
 {
     if (!name)
         return nullptr;
-    RObject<CString> nameText = new (std::nothrow) CString(name);
-    RObject<CString> valueText = new (std::nothrow) CString(value ? value : "");
+    RObject<CString> nameText = CString::Create(name);
+    RObject<CString> valueText = CString::Create(value ? value : "");
     if (!nameText || !valueText)
         return nullptr;
     return Create(nameText, valueText);
@@ -29,11 +29,11 @@ CUriParameter* CUriParameter::Create(CString* name, CString* value)
     if (!name)
         return nullptr;
     RObject<CString> valueText = value ? RObject<CString>::FromObject(value)
-                                       : RObject<CString>(new (std::nothrow) CString());
+                                       : RObject<CString>(new (fallible) CString());
     if (!valueText)
         return nullptr;
     name->Acquire();
-    CUriParameter* parameter = new (std::nothrow) CUriParameter(name, valueText.Detach());
+    CUriParameter* parameter = new (fallible) CUriParameter(name, valueText.Detach());
     return parameter;
 }
 

@@ -14,7 +14,7 @@ namespace {
 // Decoded as a form value: '+' is a space, malformed escapes stay.
 CString* DecodeText(const char* text, size_t length)
 {
-    RObject<CString> raw = new (std::nothrow) CString(text, int32_t(length));
+    RObject<CString> raw = CString::Create(text, int32_t(length));
     return raw ? CUri::UniformResourceLabelUnEscape(raw) : nullptr;
 }
 
@@ -32,7 +32,7 @@ CUriParameterCollection* CUriParameterCollection::Create()
     CArray<CUriParameter>* parameters = CArray<CUriParameter>::Create();
     if (!parameters)
         return nullptr;
-    auto* collection = new (std::nothrow) CUriParameterCollection(parameters);
+    auto* collection = new (fallible) CUriParameterCollection(parameters);
     if (!collection)
         parameters->Release();
     return collection;
@@ -83,7 +83,7 @@ int CUriParameterCollection::AddPiece(const char* piece, size_t length)
         return RESULT_OK;
     RObject<CString> name = DecodeText(piece, nameLength);
     RObject<CString> value = equals ? DecodeText(equals + 1, length - nameLength - 1)
-                                    : new (std::nothrow) CString();
+                                    : new (fallible) CString();
     if (!name || !value)
         return RESULT_OUT_OF_MEMORY;
     RObject<CUriParameter> parameter = CUriParameter::Create(name, value);
@@ -116,7 +116,7 @@ int CUriParameterCollection::AddQuery(CString* query)
     const char* text = query->GetChars();
     if (*text == '?')
         ++text;
-    RObject<CString> pairs = new (std::nothrow) CString(text, int32_t(std::strcspn(text, "#")));
+    RObject<CString> pairs = CString::Create(text, int32_t(std::strcspn(text, "#")));
     if (!pairs)
         return RESULT_OUT_OF_MEMORY;
     return AddParameters(pairs);

@@ -20,7 +20,7 @@ constexpr char kReserved[] = ";/?:@&=+$,^`{}|[]\"<>\\";
 
 CString* NewString(const char* text, size_t length)
 {
-    return new (std::nothrow) CString(text, int32_t(length));
+    return CString::Create(text, int32_t(length));
 }
 
 CString* Share(CString* text)
@@ -34,7 +34,7 @@ CString* Share(CString* text)
 // so, or when out of memory.
 CString* Decode(const char* chars, size_t length, PercentCoding::Malformed mode, bool plusIsSpace)
 {
-    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 1]);
+    std::unique_ptr<char[]> out(new (fallible) char[length + 1]);
     if (!out)
         return nullptr;
     const int64_t n = PercentCoding::Decode(chars, length, out.get(), mode, plusIsSpace);
@@ -78,7 +78,7 @@ char CUri::ToHexDigit(int32_t value)
 CString* CUri::EscapeDataString(CString* text, unsigned int flags)
 {
     if (!text)
-        return new (std::nothrow) CString();
+        return new (fallible) CString();
     const char* chars = text->GetChars();
     const size_t length = std::strlen(chars);
 
@@ -89,7 +89,7 @@ CString* CUri::EscapeDataString(CString* text, unsigned int flags)
     if (count == 0)
         return Share(text);
 
-    std::unique_ptr<char[]> out(new (std::nothrow) char[length + 2 * count + 1]);
+    std::unique_ptr<char[]> out(new (fallible) char[length + 2 * count + 1]);
     if (!out)
         return nullptr;
     size_t n = 0;
@@ -109,7 +109,7 @@ CString* CUri::EscapeDataString(CString* text, unsigned int flags)
 CString* CUri::UnescapeDataString(CString* text)
 {
     if (!text)
-        return new (std::nothrow) CString();
+        return new (fallible) CString();
     const char* chars = text->GetChars();
     const size_t length = std::strlen(chars);
     if (std::memchr(chars, '%', length) == nullptr)
@@ -127,8 +127,8 @@ CString* CUri::UniformResourceLabelUnEscape(CString* text)
 
 void CUri::CrackExtraInfo(CString* extra, CString*& query, CString*& fragment)
 {
-    query = new (std::nothrow) CString();
-    fragment = new (std::nothrow) CString();
+    query = new (fallible) CString();
+    fragment = new (fallible) CString();
     const char* chars = extra ? extra->GetChars() : "";
     const size_t length = std::strlen(chars);
     if (length == 0 || (chars[0] != '#' && chars[0] != '?'))

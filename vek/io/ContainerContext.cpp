@@ -13,7 +13,7 @@ namespace {
 
 RObject<CString> NewText(const char* text)
 {
-    return RObject<CString>(text ? new (std::nothrow) CString(text) : nullptr);
+    return RObject<CString>(text ? CString::Create(text) : nullptr);
 }
 
 } // namespace

@@ -16,7 +16,7 @@ ExternalStream::~ExternalStream()
 Stream ExternalStream::AsStream()
 {
     if (!m_adapter)
-        m_adapter = RObject<CExternalStream>(new (std::nothrow) CExternalStream(this));
+        m_adapter = RObject<CExternalStream>(new (fallible) CExternalStream(this));
     return Stream::FromObject(m_adapter);
 }
 

@@ -5,6 +5,7 @@
 // from the caller's own text, so what comes back is what was given.
 #include <vek/platform/UrlServices.h>
 
+#include <vek/core/CharClass.h>
 #include <vek/core/Log.h>
 #include <vek/core/PercentCoding.h>
 
@@ -21,35 +22,25 @@ namespace Quorvex::Vek::Platform {
 
 namespace {
 
-char Lower(char c)
-{
-    return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c;
-}
-
 bool EqualsIgnoreCase(const char* text, size_t length, const char* lowered)
 {
     if (std::strlen(lowered) != length)
         return false;
     for (size_t i = 0; i < length; ++i)
-        if (Lower(text[i]) != lowered[i])
+        if (CharClass::ToLowerAscii(text[i]) != lowered[i])
             return false;
     return true;
 }
 
-bool IsAlpha(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool IsSchemeChar(char c)
 {
-    return IsAlpha(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+    return CharClass::IsAsciiLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
 }
 
 // Length of the scheme that starts `text` and is followed by ':', else 0.
 size_t SchemeLength(const char* text)
 {
-    if (!IsAlpha(text[0]))
+    if (!CharClass::IsAsciiLetter(text[0]))
         return 0;
     size_t n = 1;
     while (IsSchemeChar(text[n]))
@@ -69,7 +60,7 @@ bool HasEscapeAt(const char* text, size_t i)
 // Characters RFC 3986 allows outside the scheme, apart from '%' and '#'.
 bool IsUriChar(char c)
 {
-    if (IsAlpha(c) || (c >= '0' && c <= '9'))
+    if (CharClass::IsAsciiLetter(c) || (c >= '0' && c <= '9'))
         return true;
     return std::strchr("-._~!$&'()*+,;=:@/?[]", c) != nullptr && c != 0;
 }
