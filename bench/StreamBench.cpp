@@ -133,7 +133,7 @@ void PlainRead(benchmark::State& state)
 
 void FileDescriptorStreamRead(benchmark::State& state)
 {
-    RObject<CFileDescriptorStream> stream = OpenForReading();
+    RObject<CFileDescriptorStream> stream(OpenForReading());
     if (!stream)
         return state.SkipWithError("cannot open the bench file");
     ReadAll(state, stream);
@@ -141,7 +141,7 @@ void FileDescriptorStreamRead(benchmark::State& state)
 
 void BufferedStreamRead(benchmark::State& state)
 {
-    RObject<CFileDescriptorStream> file = OpenForReading();
+    RObject<CFileDescriptorStream> file(OpenForReading());
     if (!file)
         return state.SkipWithError("cannot open the bench file");
     RObject<CBufferedStream> stream(new CBufferedStream(file, kBlockSize, kBlockCount));

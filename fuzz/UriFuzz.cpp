@@ -54,12 +54,12 @@ void QueryEverything(CUri* uri)
 void CheckEscaping(CString* text)
 {
     // Escaping leaves no reserved byte behind, and unescaping restores the text.
-    RObject<CString> escaped = CUri::EscapeDataString(text, 0);
+    RObject<CString> escaped(CUri::EscapeDataString(text, 0));
     if (!escaped)
         return;
     for (const char* p = escaped->GetChars(); *p; ++p)
         Require(!CUri::IsReserved(*p));
-    RObject<CString> restored = CUri::UnescapeDataString(escaped);
+    RObject<CString> restored(CUri::UnescapeDataString(escaped));
     if (restored && !std::strchr(text->GetChars(), '%'))
         Require(std::strcmp(restored->GetChars(), text->GetChars()) == 0);
     Drop(CUri::UnescapeDataString(text));
@@ -82,34 +82,34 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string second = size ? whole.substr(split) : std::string();
     const std::string text = size ? whole.substr(1) : std::string();
 
-    RObject<CString> string = new CString(text.c_str());
+    RObject<CString> string(new CString(text.c_str()));
     CheckEscaping(string);
 
-    RObject<CUri> escaped = CUri::CreateWithEscapedUrl(text.c_str());
+    RObject<CUri> escaped(CUri::CreateWithEscapedUrl(text.c_str()));
     if (escaped)
         QueryEverything(escaped);
-    RObject<CUri> normalised = CUri::CreateWithUrl(text.c_str());
+    RObject<CUri> normalised(CUri::CreateWithUrl(text.c_str()));
     if (normalised)
         QueryEverything(normalised);
-    RObject<CUri> local = CUri::CreateWithLocalPath(text.c_str());
+    RObject<CUri> local(CUri::CreateWithLocalPath(text.c_str()));
     if (local)
         QueryEverything(local);
 
-    RObject<CUri> base = CUri::CreateWithEscapedUrl(first.c_str());
-    RObject<CUri> combined = CUri::CreateWithRelativeUrl(base, second.c_str());
+    RObject<CUri> base(CUri::CreateWithEscapedUrl(first.c_str()));
+    RObject<CUri> combined(CUri::CreateWithRelativeUrl(base, second.c_str()));
     if (combined)
         QueryEverything(combined);
 
-    RObject<CUriParameterCollection> parameters = CUriParameterCollection::Create();
+    RObject<CUriParameterCollection> parameters(CUriParameterCollection::Create());
     if (parameters) {
         parameters->AddQuery(string);
-        RObject<CString> extra = CUriBuilder::BuildExtraInfoString(parameters, second.c_str());
-        RObject<CUriBuilder> builder = CUriBuilder::Create(escaped);
+        RObject<CString> extra(CUriBuilder::BuildExtraInfoString(parameters, second.c_str()));
+        RObject<CUriBuilder> builder(CUriBuilder::Create(escaped));
         if (builder)
             Drop(builder->GetUri(true));
     }
 
-    RObject<CDataUri> dataUri = CDataUri::CreateWithDataUri(text.c_str());
+    RObject<CDataUri> dataUri(CDataUri::CreateWithDataUri(text.c_str()));
     if (dataUri) {
         Drop(dataUri->GetMediaType());
         Drop(dataUri->GetData());

@@ -264,7 +264,7 @@ TEST(CValue, BoxesAValue)
 TEST(CDictionary, InsertionOrderReplaceAndRemove)
 {
     RObject<Dictionary> d(Dictionary::Create());
-    RObject<CByteArray> one = Bytes("1"), two = Bytes("2"), three = Bytes("3");
+    RObject<CByteArray> one(Bytes("1")), two(Bytes("2")), three(Bytes("3"));
     EXPECT_EQ(d->Set("b", one), 0);
     EXPECT_EQ(d->Set(VEK_W("a"), two), 0);
     EXPECT_EQ(d->Set(RObject<CString>(new CString("c")), three), 0);
@@ -293,7 +293,7 @@ TEST(CDictionary, InsertionOrderReplaceAndRemove)
 TEST(CDictionary, KeysCompareExactly)
 {
     RObject<Dictionary> d(Dictionary::Create());
-    RObject<CByteArray> v = Bytes("x");
+    RObject<CByteArray> v(Bytes("x"));
     d->Set("Key", v);
     struct Case {
         const char* key;

@@ -150,7 +150,7 @@ TEST(Monitor, CountsAndMonitorCreationHammeredFromThreads)
     RunThreads(kThreads, [&](int) {
         for (int round = 0; round < kRounds; ++round) {
             for (int i = 0; i < kObjects; ++i) {
-                RObject<Probe> shared = objects[i];
+                RObject<Probe> shared(objects[i]);
                 CObject::CAutoLock guard(shared);
                 ++counters[i];
             }

@@ -44,7 +44,7 @@ TEST(BinaryReader, IntegersInBothByteOrders)
         {ByteOrder::BigEndian, 8, 0x81020304050607F8, int64_t(0x81020304050607F8)},
     };
     for (const Case& c : cases) {
-        RObject<CMemoryStream> stream = StreamOf(bytes);
+        RObject<CMemoryStream> stream(StreamOf(bytes));
         CBinaryReader reader(stream, c.order);
         uint64_t u = 0;
         ASSERT_EQ(reader.ReadUInt(c.width, u), 0);
@@ -55,7 +55,7 @@ TEST(BinaryReader, IntegersInBothByteOrders)
         EXPECT_EQ(s, c.signedValue) << c.width;
         EXPECT_EQ(stream->GetPosition(), c.width);
     }
-    RObject<CMemoryStream> stream = StreamOf(bytes);
+    RObject<CMemoryStream> stream(StreamOf(bytes));
     CBinaryReader reader(stream);
     uint64_t u = 7;
     EXPECT_EQ(reader.ReadUInt(0, u), RESULT_ARGUMENT_OUT_OF_RANGE);
@@ -179,7 +179,7 @@ TEST(BinaryReader, GuidLayouts)
                                               0xA5, 0xD6, 0x28, 0xDB, 0x04, 0xC1, 0x00, 0x00};
     _Guid riff{};
     ASSERT_EQ(_Guid::Parse("{66666972-912E-11CF-A5D6-28DB04C10000}", riff), 0);
-    RObject<CMemoryStream> stream = StreamOf(bytes);
+    RObject<CMemoryStream> stream(StreamOf(bytes));
     CBinaryReader reader(stream, ByteOrder::BigEndian);
     _Guid read{};
     ASSERT_EQ(reader.ReadGuid(read), 0);

@@ -62,7 +62,7 @@ TEST(ContainerContextTest, DirectoryContextOpensReaderFilesAsConfigured)
     VekTest::TempDir dir;
     const std::string content = "RIFF....WAVEfmt some bytes that span several tiny buffer blocks";
     ASSERT_TRUE(VekTest::WriteFile(dir.File("clip.wav"), content));
-    RObject<CContainerDirectoryContext> context = CContainerDirectoryContext::Create(Text(dir.Path()));
+    RObject<CContainerDirectoryContext> context(CContainerDirectoryContext::Create(Text(dir.Path())));
     ASSERT_TRUE(context);
     EXPECT_TRUE(context->IsType(CContainerDirectoryContext::Type));
     EXPECT_EQ(Str(RObject<CString>(context->GetPath())), dir.Path());
@@ -95,7 +95,7 @@ TEST(ContainerContextTest, DirectoryContextReportsOpenFailures)
 {
     VekTest::TempDir dir;
     ASSERT_TRUE(VekTest::WriteFile(dir.File("present.mov"), "x"));
-    RObject<CContainerDirectoryContext> context = CContainerDirectoryContext::Create(Text(dir.Path()));
+    RObject<CContainerDirectoryContext> context(CContainerDirectoryContext::Create(Text(dir.Path())));
     struct {
         const char* name;
         Settings settings;
@@ -108,7 +108,7 @@ TEST(ContainerContextTest, DirectoryContextReportsOpenFailures)
     };
     for (const auto& c : cases) {
         CStream* raw = nullptr;
-        RObject<CString> name = c.name ? Text(c.name) : nullptr;
+        RObject<CString> name(c.name ? Text(c.name) : RObject<CString>());
         EXPECT_EQ(context->OpenStream(c.settings, name, raw), c.result) << (c.name ? c.name : "(null)");
         EXPECT_EQ(raw, nullptr);
     }
@@ -118,7 +118,7 @@ TEST(ContainerContextTest, WriterFilesAreCreatedOrTruncatedForTheOwner)
 {
     VekTest::TempDir dir;
     ASSERT_TRUE(VekTest::WriteFile(dir.File("old.mxf"), "a much longer previous content"));
-    RObject<CContainerDirectoryContext> context = CContainerDirectoryContext::Create(Text(dir.Path()));
+    RObject<CContainerDirectoryContext> context(CContainerDirectoryContext::Create(Text(dir.Path())));
     for (const char* name : {"new.mxf", "old.mxf"}) {
         CStream* raw = nullptr;
         ASSERT_EQ(context->OpenStream(CContainerContext::WriterSettings{}, Text(name), raw), RESULT_OK) << name;
@@ -140,7 +140,7 @@ TEST(ContainerContextTest, WriterFilesAreCreatedOrTruncatedForTheOwner)
 TEST(ContainerContextTest, FileListWalksNamesAndResolvesPaths)
 {
     VekTest::TempDir dir;
-    RObject<CContainerDirectoryContext> context = CContainerDirectoryContext::Create(Text(dir.Path()));
+    RObject<CContainerDirectoryContext> context(CContainerDirectoryContext::Create(Text(dir.Path())));
     EXPECT_EQ(context->GetCurrentFileName(), nullptr);
     EXPECT_EQ(context->GetCurrentFilePath(), nullptr);
     EXPECT_FALSE(context->MoveNextFile());
@@ -165,7 +165,7 @@ TEST(ContainerContextTest, FileListWalksNamesAndResolvesPaths)
         context->ResetFiles();
     }
 
-    RObject<CContainerDirectoryContext> forFile = CContainerDirectoryContext::CreateForFile(Text(dir.File("x.wav")));
+    RObject<CContainerDirectoryContext> forFile(CContainerDirectoryContext::CreateForFile(Text(dir.File("x.wav"))));
     ASSERT_TRUE(forFile);
     EXPECT_EQ(Str(RObject<CString>(forFile->GetCurrentFileName())), "x.wav");
     EXPECT_EQ(Str(RObject<CString>(forFile->GetCurrentFilePath())), dir.File("x.wav"));
@@ -178,14 +178,14 @@ TEST(ContainerContextTest, MultiFileContextTagsEntriesAndOpensBesideThem)
     ASSERT_TRUE(VekTest::WriteFile(dir.File("video.mxf"), "video essence"));
     ASSERT_TRUE(VekTest::WriteFile(dir.File("audio.mxf"), "audio essence"));
     using Info = CContainerMultiFileContext::CMultiFileCtxInfo;
-    RObject<CContainerMultiFileContext> context = CContainerMultiFileContext::Create();
+    RObject<CContainerMultiFileContext> context(CContainerMultiFileContext::Create());
     ASSERT_TRUE(context);
     ASSERT_EQ(context->AddFullFileName(Text(dir.File("video.mxf")), Info::Video), RESULT_OK);
     ASSERT_EQ(context->AddFullFileName(Text(dir.File("audio.mxf")), Info::Audio), RESULT_OK);
     ASSERT_EQ(context->AddFullFileName(Text(dir.File("audio2.mxf")), Info::Audio), RESULT_OK);
     EXPECT_EQ(context->AddFullFileName(nullptr, Info::Audio), RESULT_ARGUMENT_NULL);
 
-    RObject<CArray<Info>> list = context->GetContextTypeList();
+    RObject<CArray<Info>> list(context->GetContextTypeList());
     ASSERT_TRUE(list);
     ASSERT_EQ(list->GetCount(), 3);
     EXPECT_EQ(list->Get(1)->GetKind(), Info::Audio);
@@ -250,7 +250,7 @@ TEST(ContainerContextTest, NamesThatLeaveTheFolderAreRefused)
         {"clip..wav", RESULT_PATH_DOES_NOT_EXIST},
         {"sub/..inner", RESULT_PATH_DOES_NOT_EXIST},
     };
-    RObject<CContainerDirectoryContext> directory = CContainerDirectoryContext::Create(Text(folder));
+    RObject<CContainerDirectoryContext> directory(CContainerDirectoryContext::Create(Text(folder)));
     ASSERT_FALSE(directory->GetAllowNamesOutsideFolder());
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -278,7 +278,7 @@ TEST(ContainerContextTest, NamesThatLeaveTheFolderAreRefused)
 
     // A multi-file context confines names to the folder of its current file.
     using Info = CContainerMultiFileContext::CMultiFileCtxInfo;
-    RObject<CContainerMultiFileContext> files = CContainerMultiFileContext::Create();
+    RObject<CContainerMultiFileContext> files(CContainerMultiFileContext::Create());
     ASSERT_EQ(files->AddFullFileName(Text(folder + "/clip.wav"), Info::Audio), RESULT_OK);
     EXPECT_EQ(files->OpenStream(Settings{0, 0}, Text("../outside.wav"), raw), RESULT_ACCESS_DENIED);
     EXPECT_EQ(files->OpenStream(Settings{0, 0}, Text(outside), raw), RESULT_ACCESS_DENIED);
@@ -302,7 +302,7 @@ TEST(ContainerContextTest, RefusalLogNamesTheName)
         GTEST_SKIP() << "the log's settings cannot be redirected on this build";
     VekTest::TempDir dir;
     VekTest::LogCapture log(1);
-    RObject<CContainerDirectoryContext> context = CContainerDirectoryContext::Create(Text(dir.Path()));
+    RObject<CContainerDirectoryContext> context(CContainerDirectoryContext::Create(Text(dir.Path())));
     CStream* raw = nullptr;
     EXPECT_EQ(context->OpenStream(Settings{0, 0}, Text("../a\nb.wav"), raw), RESULT_ACCESS_DENIED);
     EXPECT_EQ(log.Count("CContainerContext::OpenStream: name \"../a?b.wav\" leaves the context's folder\n"), 1u)
@@ -314,8 +314,8 @@ TEST(ContainerContextTest, RefusalLogNamesTheName)
 
 TEST(ContainerContextTest, StreamContextHandsOutItsOwnStream)
 {
-    RObject<CMemoryStream> memory = new CMemoryStream();
-    RObject<CContainerStreamContext> context = CContainerStreamContext::Create(memory, Text("live.ts"));
+    RObject<CMemoryStream> memory(new CMemoryStream());
+    RObject<CContainerStreamContext> context(CContainerStreamContext::Create(memory, Text("live.ts")));
     ASSERT_TRUE(context);
     EXPECT_EQ(CContainerStreamContext::Create(nullptr), nullptr);
     EXPECT_EQ(Str(RObject<CString>(context->GetCurrentFileName())), "live.ts");
@@ -326,7 +326,7 @@ TEST(ContainerContextTest, StreamContextHandsOutItsOwnStream)
     } cases[] = {{nullptr, RESULT_OK}, {"", RESULT_OK}, {"live.ts", RESULT_OK}, {"other.ts", RESULT_NOT_SUPPORTED}};
     for (const auto& c : cases) {
         CStream* raw = nullptr;
-        RObject<CString> name = c.name ? Text(c.name) : nullptr;
+        RObject<CString> name(c.name ? Text(c.name) : RObject<CString>());
         EXPECT_EQ(context->OpenStream(Settings{4096, 100}, name, raw), c.result) << (c.name ? c.name : "(null)");
         if (c.result == RESULT_OK) {
             EXPECT_EQ(raw, memory.Get());

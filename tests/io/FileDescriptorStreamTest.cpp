@@ -72,7 +72,7 @@ TEST(FileDescriptorStream, ModesAnswerTheirCapabilities)
         const std::string path = dir.File("mode" + std::to_string(int(c.mode)));
         ASSERT_TRUE(VekTest::WriteFile(path, "abcdef"));
         int result = 0;
-        RObject<CFileDescriptorStream> stream = OpenFile(path, c.mode, result);
+        RObject<CFileDescriptorStream> stream(OpenFile(path, c.mode, result));
         ASSERT_EQ(result, 0) << int(c.mode);
         EXPECT_EQ(stream->CanRead(), c.canRead) << int(c.mode);
         EXPECT_EQ(stream->CanWrite(), c.canWrite) << int(c.mode);
@@ -92,7 +92,7 @@ TEST(FileDescriptorStream, AppendReadWriteStillReadsAndWrites)
     const std::string path = dir.File("append");
     ASSERT_TRUE(VekTest::WriteFile(path, "abc"));
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::AppendReadWrite, result);
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::AppendReadWrite, result));
     ASSERT_EQ(result, 0);
     unsigned char out[3] = {};
     EXPECT_EQ(stream->Read(out, 3), 3);
@@ -302,7 +302,7 @@ TEST(FileDescriptorStream, DiskFullIsReportedAndChangesNothing)
         GTEST_SKIP() << "needs /dev/full";
     LogCapture log(1);
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile("/dev/full", Mode::Write, result);
+    RObject<CFileDescriptorStream> stream(OpenFile("/dev/full", Mode::Write, result));
     ASSERT_EQ(result, 0);
     const std::string bytes = Pattern(4096);
     EXPECT_EQ(stream->Write(reinterpret_cast<const unsigned char*>(bytes.data()), 4096),
@@ -337,7 +337,7 @@ TEST(FileDescriptorStream, ControlCodes)
     const std::string path = dir.File("c");
     ASSERT_TRUE(VekTest::WriteFile(path, "x"));
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::Read, result));
     ASSERT_EQ(result, 0);
     for (const Case& c : cases) {
         unsigned char data[8] = {};
@@ -356,7 +356,7 @@ TEST(FileDescriptorStream, ShortReadWithoutWaitReturnsWhatIsThere)
     const std::string path = dir.File("short");
     ASSERT_TRUE(VekTest::WriteFile(path, Pattern(100)));
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::Read, result));
     ASSERT_EQ(result, 0);
     ASSERT_EQ(stream->Seek(60, CStream::Begin), 0);
     unsigned char out[100] = {};
@@ -374,7 +374,7 @@ TEST(FileDescriptorStream, WaitsForAFileThatDoesNotGrow)
     ASSERT_TRUE(VekTest::WriteFile(path, Pattern(10)));
     LogCapture log(3);
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::Read, result));
     ASSERT_EQ(result, 0);
     ASSERT_EQ(stream->SetReadWaitTime(1000), 0);
     unsigned char out[20] = {};
@@ -400,7 +400,7 @@ TEST(FileDescriptorStream, FollowsAFileGrownByAnotherWriter)
     ASSERT_TRUE(VekTest::WriteFile(path, bytes.substr(0, 100)));
     LogCapture log(3);
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::Read, result));
     ASSERT_EQ(result, 0);
     ASSERT_EQ(stream->SetReadWaitTime(2000), 0);
 
@@ -430,7 +430,7 @@ TEST(FileDescriptorStream, AvailableLengthMeasuresNowWithoutMoving)
     const std::string path = dir.File("measure");
     ASSERT_TRUE(VekTest::WriteFile(path, Pattern(50)));
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::Read, result));
     ASSERT_EQ(result, 0);
     ASSERT_EQ(stream->Seek(20, CStream::Begin), 0);
     std::ofstream(path, std::ios::binary | std::ios::app) << Pattern(30);
@@ -475,7 +475,7 @@ TEST(FileDescriptorStream, OffsetsPastFourGigabytes)
     TempDir dir;
     const std::string path = dir.File("sparse");
     int result = 0;
-    RObject<CFileDescriptorStream> writer = OpenFile(path, Mode::ReadWrite, result);
+    RObject<CFileDescriptorStream> writer(OpenFile(path, Mode::ReadWrite, result));
     ASSERT_EQ(result, 0);
     for (const Case& c : cases) {
         const std::string mark = Pattern(size_t(c.position % 97) + 8).substr(size_t(c.position % 97));
@@ -489,7 +489,7 @@ TEST(FileDescriptorStream, OffsetsPastFourGigabytes)
     EXPECT_EQ(writer->GetAvailableLength(), 5 * giB);
     writer->Close();
 
-    RObject<CFileDescriptorStream> file = OpenFile(path, Mode::Read, result);
+    RObject<CFileDescriptorStream> file(OpenFile(path, Mode::Read, result));
     ASSERT_EQ(result, 0);
     EXPECT_EQ(file->GetLength(), 5 * giB);
     RObject<CBufferedStream> cache(new CBufferedStream(file, 65536, 4));
@@ -520,7 +520,7 @@ TEST(FileDescriptorStream, NameThatIsNotUtf8Opens)
     const std::string path = dir.File("caf\xE9.wav");
     ASSERT_TRUE(VekTest::WriteFile(path, "RIFF"));
     int result = 0;
-    RObject<CFileDescriptorStream> stream = OpenFile(path, Mode::Read, result);
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::Read, result));
     ASSERT_EQ(result, 0);
     unsigned char bytes[4] = {};
     EXPECT_EQ(stream->Read(bytes, 4), 4);

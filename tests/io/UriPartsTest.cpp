@@ -49,7 +49,7 @@ TEST(UriPartsTest, ParsesQueriesIntoParameters)
         {"", ""},
     };
     for (const auto& c : cases) {
-        RObject<CUriParameterCollection> parameters = CUriParameterCollection::Create();
+        RObject<CUriParameterCollection> parameters(CUriParameterCollection::Create());
         ASSERT_EQ(parameters->AddQuery(Text(c.query)), RESULT_OK) << c.query;
         std::string pairs;
         for (int32_t i = 0; i < parameters->GetCount(); ++i)
@@ -60,8 +60,8 @@ TEST(UriPartsTest, ParsesQueriesIntoParameters)
 
 TEST(UriPartsTest, LooksUpParametersByNameAndAsNumbers)
 {
-    RObject<CUri> uri = CUri::CreateWithEscapedUrl("http://h/p?Offset=-42&size=2147483648&n=7x&first=1&first=2");
-    RObject<CUriParameterCollection> parameters = CUriParameterCollection::CreateWithUri(uri);
+    RObject<CUri> uri(CUri::CreateWithEscapedUrl("http://h/p?Offset=-42&size=2147483648&n=7x&first=1&first=2"));
+    RObject<CUriParameterCollection> parameters(CUriParameterCollection::CreateWithUri(uri));
     ASSERT_TRUE(parameters);
     EXPECT_EQ(parameters->GetCount(), 5);
     EXPECT_EQ(parameters->Get("offset")->GetValueAsInt32(0), -42);
@@ -80,49 +80,48 @@ TEST(UriPartsTest, LooksUpParametersByNameAndAsNumbers)
 
 TEST(UriPartsTest, BuilderRoundTripsThroughTheParser)
 {
-    RObject<CUriParameterCollection> parameters = CUriParameterCollection::Create();
+    RObject<CUriParameterCollection> parameters(CUriParameterCollection::Create());
     ASSERT_EQ(parameters->Add("start time", "00:01:02;03"), RESULT_OK);
     ASSERT_EQ(parameters->Add("a&b", "x=y+z"), RESULT_OK);
-    RObject<CString> extra = CUriBuilder::BuildExtraInfoString(parameters, "t=10");
+    RObject<CString> extra(CUriBuilder::BuildExtraInfoString(parameters, "t=10"));
     EXPECT_EQ(Str(extra), "?start%20time=00%3A01%3A02%3B03&a%26b=x%3Dy%2Bz#t%3D10");
     EXPECT_EQ(Owned(CUriBuilder::BuildExtraInfoString(nullptr, nullptr)), "");
     EXPECT_EQ(Owned(CUriBuilder::BuildExtraInfoString(nullptr, "f")), "#f");
 
-    RObject<CUriBuilder> builder =
-        CUriBuilder::Create("http", "media.example.com", 8080, "dir/a b.mov", parameters, nullptr);
+    RObject<CUriBuilder> builder(CUriBuilder::Create("http", "media.example.com", 8080, "dir/a b.mov", parameters, nullptr));
     ASSERT_TRUE(builder);
     ASSERT_TRUE(builder->SetUserName("me@home"));
-    RObject<CUri> uri = builder->GetUri(true);
+    RObject<CUri> uri(builder->GetUri(true));
     ASSERT_TRUE(uri);
     EXPECT_EQ(Owned(uri->GetAbsoluteUri()),
               "http://me%40home@media.example.com:8080/dir/a%20b.mov?start%20time=00%3A01%3A02%3B03&a%26b=x%3Dy%2Bz");
     EXPECT_EQ(Owned(uri->GetPath()), "/dir/a b.mov");
     EXPECT_EQ(uri->GetPort(), 8080);
 
-    RObject<CUriParameterCollection> parsed = CUriParameterCollection::CreateWithUri(uri);
+    RObject<CUriParameterCollection> parsed(CUriParameterCollection::CreateWithUri(uri));
     ASSERT_TRUE(parsed);
     EXPECT_EQ(Str(parsed->GetValue("start time")), "00:01:02;03");
     EXPECT_EQ(Str(parsed->GetValue("a&b")), "x=y+z");
 
     // Back from the URI: the same parts, the default port left out.
-    RObject<CUri> source = CUri::CreateWithEscapedUrl("https://h:443/p/q.wav#f");
-    RObject<CUriBuilder> again = CUriBuilder::Create(source);
+    RObject<CUri> source(CUri::CreateWithEscapedUrl("https://h:443/p/q.wav#f"));
+    RObject<CUriBuilder> again(CUriBuilder::Create(source));
     ASSERT_TRUE(again);
     EXPECT_EQ(Str(again->GetHost()), "h");
     EXPECT_EQ(Str(again->GetPath()), "/p/q.wav");
     EXPECT_EQ(Str(again->GetExtraInfo()), "#f");
-    RObject<CUri> rebuilt = again->GetUri(false);
+    RObject<CUri> rebuilt(again->GetUri(false));
     EXPECT_EQ(Owned(rebuilt->GetAbsoluteUri()), "https://h/p/q.wav#f");
 }
 
 TEST(UriPartsTest, BuilderRefusesWhatCannotBeAUrl)
 {
-    RObject<CUriBuilder> empty = CUriBuilder::Create();
+    RObject<CUriBuilder> empty(CUriBuilder::Create());
     EXPECT_EQ(empty->GetUri(false), nullptr);
-    RObject<CUriBuilder> huge = CUriBuilder::Create("http", "h", 0, std::string(2100, 'p').c_str(), nullptr);
+    RObject<CUriBuilder> huge(CUriBuilder::Create("http", "h", 0, std::string(2100, 'p').c_str(), nullptr));
     EXPECT_EQ(huge->GetUri(false), nullptr);
     EXPECT_EQ(CUriBuilder::Create(static_cast<CUri*>(nullptr)), nullptr);
-    RObject<CUri> notUrl = CUri::CreateWithEscapedUrl("not a url");
+    RObject<CUri> notUrl(CUri::CreateWithEscapedUrl("not a url"));
     EXPECT_EQ(CUriBuilder::Create(notUrl), nullptr);
 }
 
@@ -149,7 +148,7 @@ TEST(UriPartsTest, DataUris)
         {"http://h/x,y", null, ""},
     };
     for (const auto& c : cases) {
-        RObject<CDataUri> uri = CDataUri::CreateWithDataUri(c.text);
+        RObject<CDataUri> uri(CDataUri::CreateWithDataUri(c.text));
         if (!c.mediaType) {
             EXPECT_FALSE(uri) << c.text;
             continue;
@@ -157,12 +156,12 @@ TEST(UriPartsTest, DataUris)
         ASSERT_TRUE(uri) << c.text;
         EXPECT_TRUE(uri->IsType(CDataUri::Type));
         EXPECT_EQ(Owned(uri->GetMediaType()), c.mediaType) << c.text;
-        RObject<CByteArray> data = uri->GetData();
+        RObject<CByteArray> data(uri->GetData());
         ASSERT_TRUE(data);
         EXPECT_EQ(std::string(reinterpret_cast<const char*>(data->GetData()), size_t(data->GetLength())), c.data)
             << c.text;
     }
-    RObject<CDataUri> vtt = CDataUri::CreateWithDataUri("data:Text/VTT;charset=utf-8,x");
+    RObject<CDataUri> vtt(CDataUri::CreateWithDataUri("data:Text/VTT;charset=utf-8,x"));
     EXPECT_TRUE(vtt->IsMediaType("text/vtt"));
     EXPECT_FALSE(vtt->IsMediaType("text"));
     EXPECT_FALSE(vtt->IsMediaType(nullptr));

@@ -139,7 +139,7 @@ TEST(UriTest, CracksTheSharedTableOfUrls)
 {
     for (const CrackCase& c : CrackCases()) {
         SCOPED_TRACE(c.url.substr(0, 80));
-        RObject<CUri> uri = CUri::CreateWithEscapedUrl(c.url.c_str());
+        RObject<CUri> uri(CUri::CreateWithEscapedUrl(c.url.c_str()));
         ASSERT_TRUE(uri);
         Check("scheme", uri->GetScheme(), c.scheme);
         Check("host", uri->GetHost(), c.host);
@@ -157,7 +157,7 @@ TEST(UriTest, CracksTheSharedTableOfUrls)
         EXPECT_EQ(uri->IsUnc(), c.isUnc);
 
         // The statics answer the same for the bare text.
-        RObject<CString> text = Text(c.url.c_str());
+        RObject<CString> text(Text(c.url.c_str()));
         Check("static scheme", CUri::GetScheme(text), c.scheme);
         Check("static path", CUri::GetPath(text), c.path);
         EXPECT_EQ(CUri::GetPort(text), c.port);
@@ -206,11 +206,11 @@ TEST(UriTest, NormalisesUrlsLikeTheWindowsServices)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.input.substr(0, 80));
-        RObject<CUri> uri = CUri::CreateWithUrl(c.input.c_str());
+        RObject<CUri> uri(CUri::CreateWithUrl(c.input.c_str()));
         Check("url", uri ? uri->GetAbsoluteUri() : nullptr, c.output);
     }
 
-    RObject<CUri> formatted = CUri::CreateWithFormat("http://%s:%d/%s", "h", 8080, "a b.mov");
+    RObject<CUri> formatted(CUri::CreateWithFormat("http://%s:%d/%s", "h", 8080, "a b.mov"));
     ASSERT_TRUE(formatted);
     Check("formatted", formatted->GetAbsoluteUri(), "http://h:8080/a%20b.mov");
 }
@@ -250,8 +250,8 @@ TEST(UriTest, CombinesRelativeReferences)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.base.substr(0, 60) + " + " + c.relative.substr(0, 40));
-        RObject<CUri> base = c.base.empty() ? nullptr : CUri::CreateWithEscapedUrl(c.base.c_str());
-        RObject<CUri> combined = CUri::CreateWithRelativeUrl(base, c.relative.c_str());
+        RObject<CUri> base(c.base.empty() ? nullptr : CUri::CreateWithEscapedUrl(c.base.c_str()));
+        RObject<CUri> combined(CUri::CreateWithRelativeUrl(base, c.relative.c_str()));
         Check("combined", combined ? combined->GetAbsoluteUri() : nullptr, c.output);
     }
 }
@@ -276,7 +276,7 @@ TEST(UriTest, ConvertsLocalPathsBothWays)
         if (c.windows != bool(VEK_PLATFORM_WINDOWS))
             continue;
         SCOPED_TRACE(c.path);
-        RObject<CUri> uri = CUri::CreateWithLocalPath(c.path.c_str());
+        RObject<CUri> uri(CUri::CreateWithLocalPath(c.path.c_str()));
         ASSERT_TRUE(uri);
         Check("url", uri->GetAbsoluteUri(), c.url);
         Check("local", uri->GetLocalPath(), c.back);
@@ -285,10 +285,10 @@ TEST(UriTest, ConvertsLocalPathsBothWays)
     }
 
     // A URL given as a path stays as it is; a local path over 255 characters fails.
-    RObject<CUri> already = CUri::CreateWithLocalPath("http://h/x");
+    RObject<CUri> already(CUri::CreateWithLocalPath("http://h/x"));
     ASSERT_TRUE(already);
     Check("url", already->GetAbsoluteUri(), "http://h/x");
-    RObject<CUri> longPath = CUri::CreateWithEscapedUrl(("file:///C:/" + Repeat('a', 300)).c_str());
+    RObject<CUri> longPath(CUri::CreateWithEscapedUrl(("file:///C:/" + Repeat('a', 300)).c_str()));
     Check("long local", longPath->GetLocalPath(), nullptr);
     EXPECT_FALSE(longPath->IsUnc());
 }
@@ -299,9 +299,9 @@ TEST(UriTest, NonUtf8FileNamesKeepTheirBytes)
         GTEST_SKIP() << "Windows file names are UTF-16; a lone 0xE9 byte names no file there";
     // A Latin-1 name, escaped: the local path is the raw bytes, so the file
     // that the URL names is the one that gets opened.
-    RObject<CUri> fromUrl = CUri::CreateWithEscapedUrl("file:///tmp/caf%E9%FF.wav");
+    RObject<CUri> fromUrl(CUri::CreateWithEscapedUrl("file:///tmp/caf%E9%FF.wav"));
     Check("local", fromUrl->GetLocalPath(), "/tmp/caf\xE9\xFF.wav");
-    RObject<CUri> fromPath = CUri::CreateWithLocalPath("/m/caf\xE9.wav");
+    RObject<CUri> fromPath(CUri::CreateWithLocalPath("/m/caf\xE9.wav"));
     ASSERT_TRUE(fromPath);
     Check("url", fromPath->GetAbsoluteUri(), "file:///m/caf%E9.wav");
     Check("back", fromPath->GetLocalPath(), "/m/caf\xE9.wav");
@@ -309,7 +309,7 @@ TEST(UriTest, NonUtf8FileNamesKeepTheirBytes)
 
 TEST(UriTest, SchemeAndAbsoluteTests)
 {
-    RObject<CUri> uri = CUri::CreateWithEscapedUrl("HTTPS://h/x");
+    RObject<CUri> uri(CUri::CreateWithEscapedUrl("HTTPS://h/x"));
     EXPECT_TRUE(uri->IsScheme(CUri::UriSchemeHttps));
     EXPECT_FALSE(uri->IsScheme(CUri::UriSchemeHttp));
     EXPECT_FALSE(uri->IsScheme(nullptr));
@@ -328,9 +328,9 @@ TEST(UriTest, SchemeAndAbsoluteTests)
 
 TEST(UriTest, PathAndExtraInfoJoinsTheDecodedPathAndTheExtraInfo)
 {
-    RObject<CUri> uri = CUri::CreateWithEscapedUrl("http://h/a%20b.mov?x=1#f");
+    RObject<CUri> uri(CUri::CreateWithEscapedUrl("http://h/a%20b.mov?x=1#f"));
     Check("path+extra", uri->GetPathAndExtraInfo(), "/a b.mov?x=1#f");
-    RObject<CUri> bad = CUri::CreateWithEscapedUrl("nothing");
+    RObject<CUri> bad(CUri::CreateWithEscapedUrl("nothing"));
     Check("path+extra", bad->GetPathAndExtraInfo(), nullptr);
 }
 

@@ -40,15 +40,15 @@ TEST(UriTextTest, EscapeDataStringEscapesReservedBytes)
         {"", 0, ""},
     };
     for (const auto& c : cases) {
-        RObject<CString> input = Text(c.input);
-        RObject<CString> output = CUri::EscapeDataString(input, c.flags);
+        RObject<CString> input(Text(c.input));
+        RObject<CString> output(CUri::EscapeDataString(input, c.flags));
         EXPECT_EQ(Str(output), c.output) << c.input;
         // Nothing to escape: the same string comes back, shared.
         if (std::string(c.input) == c.output) {
             EXPECT_EQ(output.Get(), input.Get()) << c.input;
         }
     }
-    RObject<CString> fromNull = CUri::EscapeDataString(nullptr, 0);
+    RObject<CString> fromNull(CUri::EscapeDataString(nullptr, 0));
     ASSERT_TRUE(fromNull);
     EXPECT_EQ(fromNull->GetLength(), 0);
 }
@@ -65,8 +65,8 @@ TEST(UriTextTest, UnescapeDataStringRefusesMalformedEscapes)
         {"ok%41%g1", null}, {"plain", "plain"}, {"", ""},
     };
     for (const auto& c : cases) {
-        RObject<CString> input = Text(c.input);
-        RObject<CString> output = CUri::UnescapeDataString(input);
+        RObject<CString> input(Text(c.input));
+        RObject<CString> output(CUri::UnescapeDataString(input));
         if (!c.output) {
             EXPECT_FALSE(output) << c.input;
             continue;
@@ -76,7 +76,7 @@ TEST(UriTextTest, UnescapeDataStringRefusesMalformedEscapes)
             EXPECT_EQ(output.Get(), input.Get()) << c.input;
         }
     }
-    RObject<CString> fromNull = CUri::UnescapeDataString(nullptr);
+    RObject<CString> fromNull(CUri::UnescapeDataString(nullptr));
     ASSERT_TRUE(fromNull);
     EXPECT_EQ(fromNull->GetLength(), 0);
 }
@@ -88,7 +88,7 @@ TEST(UriTextTest, LabelUnescapeIsForgiving)
         const char* output;
     } cases[] = {{"a+b%20c", "a b c"}, {"100%", "100%"}, {"%4", "%4"}, {"%zz%41", "%zzA"}, {"", ""}};
     for (const auto& c : cases) {
-        RObject<CString> output = CUri::UniformResourceLabelUnEscape(Text(c.input));
+        RObject<CString> output(CUri::UniformResourceLabelUnEscape(Text(c.input)));
         EXPECT_EQ(Str(output), c.output) << c.input;
     }
     EXPECT_EQ(CUri::UniformResourceLabelUnEscape(nullptr), nullptr);

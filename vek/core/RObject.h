@@ -33,7 +33,7 @@ template <typename T>
 class RObject {
 public:
     RObject() = default;
-    RObject(T* object) : m_object(object) {}
+    explicit RObject(T* object) : m_object(object) {}
     RObject(const RObject& other) : m_object(other.m_object)
     {
         if (m_object)

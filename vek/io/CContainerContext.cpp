@@ -64,7 +64,7 @@ CString* CContainerContext::GetCurrentFilePath()
 
 int CContainerContext::OpenForReading(CString* path, const ReaderSettings& reader, CStream*& result)
 {
-    RObject<CFileDescriptorStream> file = new (fallible) CFileDescriptorStream(FileStream::FileMode::Read);
+    RObject<CFileDescriptorStream> file(new (fallible) CFileDescriptorStream(FileStream::FileMode::Read));
     if (!file)
         return RESULT_OUT_OF_MEMORY;
     int status = file->Open(path);
@@ -91,8 +91,7 @@ int CContainerContext::OpenForReading(CString* path, const ReaderSettings& reade
 
 int CContainerContext::OpenForWriting(CString* path, CStream*& result)
 {
-    RObject<CFileDescriptorStream> file =
-        new (fallible) CFileDescriptorStream(FileStream::FileMode::ReadWrite);
+    RObject<CFileDescriptorStream> file(new (fallible) CFileDescriptorStream(FileStream::FileMode::ReadWrite));
     if (!file)
         return RESULT_OUT_OF_MEMORY;
     const int status = file->Open(path);
@@ -125,7 +124,7 @@ CString* CContainerContext::JoinPath(CString* directory, CString* name)
     const char last = dir[length - 1];
     if (last == '/' || last == '\\')
         return CString::Concat(directory, name);
-    RObject<CString> withSeparator = directory->Append(std::strchr(dir, '\\') ? '\\' : '/');
+    RObject<CString> withSeparator(directory->Append(std::strchr(dir, '\\') ? '\\' : '/'));
     return withSeparator ? CString::Concat(withSeparator, name) : nullptr;
 }
 
@@ -208,7 +207,7 @@ int CContainerContext::OpenStream(const ReaderSettings& reader, CString* name, C
     const int admitted = Admit("OpenStream", name);
     if (admitted < 0)
         return admitted;
-    RObject<CString> path = Resolve(name);
+    RObject<CString> path(Resolve(name));
     if (!path)
         return RESULT_OUT_OF_MEMORY;
     return OpenForReading(path, reader, result);
@@ -221,7 +220,7 @@ int CContainerContext::OpenStream(const WriterSettings&, CString* name, CStream*
     const int admitted = Admit("OpenStream", name);
     if (admitted < 0)
         return admitted;
-    RObject<CString> path = Resolve(name);
+    RObject<CString> path(Resolve(name));
     if (!path)
         return RESULT_OUT_OF_MEMORY;
     return OpenForWriting(path, result);

@@ -30,10 +30,10 @@ CContainerDirectoryContext* CContainerDirectoryContext::Create(CString* path)
 
 CContainerDirectoryContext* CContainerDirectoryContext::CreateForFile(CString* filePath)
 {
-    RObject<CString> directory = DirectoryOf(filePath);
+    RObject<CString> directory(DirectoryOf(filePath));
     if (!directory)
         return nullptr;
-    RObject<CContainerDirectoryContext> context = Create(directory);
+    RObject<CContainerDirectoryContext> context(Create(directory));
     if (!context || context->AddFilePath(filePath) < 0)
         return nullptr;
     return context.Detach();
@@ -60,7 +60,7 @@ int CContainerDirectoryContext::AddFilePath(CString* path)
         if (last != '/' && last != '\\' && (*rest == '/' || *rest == '\\'))
             ++rest;
         if (rest != text + length || last == '/' || last == '\\') {
-            RObject<CString> name = CString::Create(rest);
+            RObject<CString> name(CString::Create(rest));
             return name ? AddFileName(name) : RESULT_OUT_OF_MEMORY;
         }
     }
@@ -78,7 +78,7 @@ CString* CContainerDirectoryContext::Resolve(CString* name)
 
 CString* CContainerDirectoryContext::GetCurrentFilePath()
 {
-    RObject<CString> name = GetCurrentFileName();
+    RObject<CString> name(GetCurrentFileName());
     return name ? Resolve(name) : nullptr;
 }
 

@@ -33,8 +33,8 @@ CContainerMultiFileContext::~CContainerMultiFileContext() = default;
 
 CContainerMultiFileContext* CContainerMultiFileContext::Create()
 {
-    RObject<CArray<CString>> names = NewNameList();
-    RObject<CArray<CMultiFileCtxInfo>> entries = CArray<CMultiFileCtxInfo>::Create();
+    RObject<CArray<CString>> names(NewNameList());
+    RObject<CArray<CMultiFileCtxInfo>> entries(CArray<CMultiFileCtxInfo>::Create());
     if (!names || !entries)
         return nullptr;
     auto* context = new (fallible) CContainerMultiFileContext(names, entries);
@@ -49,7 +49,7 @@ int CContainerMultiFileContext::AddFullFileName(CString* fileName, unsigned int 
 {
     if (!fileName)
         return RESULT_ARGUMENT_NULL;
-    RObject<CMultiFileCtxInfo> info = CMultiFileCtxInfo::Create(fileName, kind);
+    RObject<CMultiFileCtxInfo> info(CMultiFileCtxInfo::Create(fileName, kind));
     if (!info)
         return RESULT_OUT_OF_MEMORY;
     int status = m_entries->Add(info);
@@ -68,7 +68,7 @@ int CContainerMultiFileContext::AddFilePath(CString* path)
 
 CArray<CMultiFileCtxInfo>* CContainerMultiFileContext::GetContextTypeList()
 {
-    RObject<CArray<CMultiFileCtxInfo>> list = CArray<CMultiFileCtxInfo>::Create(m_entries->GetCount());
+    RObject<CArray<CMultiFileCtxInfo>> list(CArray<CMultiFileCtxInfo>::Create(m_entries->GetCount()));
     if (!list)
         return nullptr;
     for (int32_t i = 0; i < m_entries->GetCount(); ++i)
@@ -97,8 +97,8 @@ CString* CContainerMultiFileContext::Resolve(CString* name)
         name->Acquire();
         return name;
     }
-    RObject<CString> current = GetCurrentFileName();
-    RObject<CString> directory = DirectoryOf(current);
+    RObject<CString> current(GetCurrentFileName());
+    RObject<CString> directory(DirectoryOf(current));
     if (!directory) {
         name->Acquire();
         return name;

@@ -22,7 +22,7 @@ CContainerStreamContext* CContainerStreamContext::Create(CStream* stream, CStrin
     CArray<CString>* names = NewNameList();
     if (!names)
         return nullptr;
-    RObject<CContainerStreamContext> context = new (fallible) CContainerStreamContext(names, stream);
+    RObject<CContainerStreamContext> context(new (fallible) CContainerStreamContext(names, stream));
     if (!context) {
         names->Release();
         return nullptr;

@@ -253,7 +253,7 @@ CString* CUri::GetExtraInfo(CString* url)
 
 CString* CUri::GetQuery(CString* url)
 {
-    RObject<CString> extra = GetExtraInfo(url);
+    RObject<CString> extra(GetExtraInfo(url));
     if (!extra)
         return nullptr;
     CString* query = nullptr;
@@ -266,7 +266,7 @@ CString* CUri::GetQuery(CString* url)
 
 CString* CUri::GetFragment(CString* url)
 {
-    RObject<CString> extra = GetExtraInfo(url);
+    RObject<CString> extra(GetExtraInfo(url));
     if (!extra)
         return nullptr;
     CString* query = nullptr;
@@ -318,8 +318,8 @@ CString* CUri::GetAbsoluteUri()
 
 CString* CUri::GetPathAndExtraInfo()
 {
-    RObject<CString> path = GetPath();
-    RObject<CString> extra = GetExtraInfo();
+    RObject<CString> path(GetPath());
+    RObject<CString> extra(GetExtraInfo());
     if (!path || !extra)
         return nullptr;
     return CString::Concat(path, extra);
@@ -332,7 +332,7 @@ bool CUri::IsFile()
 
 bool CUri::IsUnc()
 {
-    RObject<CString> path = GetLocalPath();
+    RObject<CString> path(GetLocalPath());
     return path && Platform::IsUncPath(path->GetChars());
 }
 

@@ -49,7 +49,7 @@ bool Render(CString* part, bool escape, unsigned int flags, std::string& out)
         out += part->GetChars();
         return true;
     }
-    RObject<CString> escaped = CUri::EscapeDataString(part, flags);
+    RObject<CString> escaped(CUri::EscapeDataString(part, flags));
     if (!escaped)
         return false;
     out += escaped->GetChars();
@@ -58,7 +58,7 @@ bool Render(CString* part, bool escape, unsigned int flags, std::string& out)
 
 bool AppendEscaped(std::string& out, CString* text)
 {
-    RObject<CString> escaped = CUri::EscapeDataString(text, 0);
+    RObject<CString> escaped(CUri::EscapeDataString(text, 0));
     if (!escaped)
         return false;
     out += escaped->GetChars();
@@ -88,11 +88,11 @@ CUriBuilder* CUriBuilder::Create(CUri* uri)
 {
     if (!uri)
         return nullptr;
-    RObject<CUriBuilder> builder = new (fallible) CUriBuilder();
+    RObject<CUriBuilder> builder(new (fallible) CUriBuilder());
     if (!builder)
         return nullptr;
-    RObject<CString> path = uri->GetPath();
-    RObject<CString> extra = uri->GetExtraInfo();
+    RObject<CString> path(uri->GetPath());
+    RObject<CString> extra(uri->GetExtraInfo());
     if (!path || !extra || !Assign(builder->m_scheme, uri->GetScheme()) ||
         !Assign(builder->m_host, uri->GetHost()) || !Assign(builder->m_userName, uri->GetUserName()) ||
         !Assign(builder->m_password, uri->GetPassword()))
@@ -106,7 +106,7 @@ CUriBuilder* CUriBuilder::Create(CUri* uri)
 CUriBuilder* CUriBuilder::Create(const char* scheme, const char* host, uint16_t port,
                                  const char* path, const char* extraInfo)
 {
-    RObject<CUriBuilder> builder = new (fallible) CUriBuilder();
+    RObject<CUriBuilder> builder(new (fallible) CUriBuilder());
     if (!builder || !builder->Initialise(scheme, host, port, path, extraInfo))
         return nullptr;
     return builder.Detach();
@@ -116,7 +116,7 @@ CUriBuilder* CUriBuilder::Create(const char* scheme, const char* host, uint16_t 
                                  const char* path, CUriParameterCollection* parameters,
                                  const char* fragment)
 {
-    RObject<CString> extra = BuildExtraInfoString(parameters, fragment);
+    RObject<CString> extra(BuildExtraInfoString(parameters, fragment));
     if (!extra)
         return nullptr;
     return Create(scheme, host, port, path, extra->GetChars());
@@ -184,7 +184,7 @@ CString* CUriBuilder::BuildExtraInfoString(CUriParameterCollection* parameters, 
                 return nullptr;
         }
         if (fragment && *fragment) {
-            RObject<CString> text = CString::Create(fragment);
+            RObject<CString> text(CString::Create(fragment));
             extra += '#';
             if (!text || !AppendEscaped(extra, text))
                 return nullptr;

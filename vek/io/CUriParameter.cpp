@@ -17,8 +17,8 @@ CUriParameter* CUriParameter::Create(const char* name, const char* value)
 {
     if (!name)
         return nullptr;
-    RObject<CString> nameText = CString::Create(name);
-    RObject<CString> valueText = CString::Create(value ? value : "");
+    RObject<CString> nameText(CString::Create(name));
+    RObject<CString> valueText(CString::Create(value ? value : ""));
     if (!nameText || !valueText)
         return nullptr;
     return Create(nameText, valueText);

@@ -14,7 +14,7 @@ namespace {
 // Decoded as a form value: '+' is a space, malformed escapes stay.
 CString* DecodeText(const char* text, size_t length)
 {
-    RObject<CString> raw = CString::Create(text, int32_t(length));
+    RObject<CString> raw(CString::Create(text, int32_t(length)));
     return raw ? CUri::UniformResourceLabelUnEscape(raw) : nullptr;
 }
 
@@ -42,10 +42,10 @@ CUriParameterCollection* CUriParameterCollection::CreateWithUri(CUri* uri)
 {
     if (!uri)
         return nullptr;
-    RObject<CString> query = uri->GetQuery();
+    RObject<CString> query(uri->GetQuery());
     if (!query)
         return nullptr;
-    RObject<CUriParameterCollection> collection = Create();
+    RObject<CUriParameterCollection> collection(Create());
     if (!collection || collection->AddParameters(query) < 0)
         return nullptr;
     return collection.Detach();
@@ -62,7 +62,7 @@ int CUriParameterCollection::Add(const char* name, const char* value)
 {
     if (!name)
         return RESULT_ARGUMENT_NULL;
-    RObject<CUriParameter> parameter = CUriParameter::Create(name, value);
+    RObject<CUriParameter> parameter(CUriParameter::Create(name, value));
     if (!parameter)
         return RESULT_OUT_OF_MEMORY;
     return m_parameters->Add(parameter);
@@ -81,12 +81,12 @@ int CUriParameterCollection::AddPiece(const char* piece, size_t length)
     const size_t nameLength = equals ? size_t(equals - piece) : length;
     if (nameLength == 0)
         return RESULT_OK;
-    RObject<CString> name = DecodeText(piece, nameLength);
-    RObject<CString> value = equals ? DecodeText(equals + 1, length - nameLength - 1)
-                                    : new (fallible) CString();
+    RObject<CString> name(DecodeText(piece, nameLength));
+    RObject<CString> value(equals ? DecodeText(equals + 1, length - nameLength - 1)
+                                    : new (fallible) CString());
     if (!name || !value)
         return RESULT_OUT_OF_MEMORY;
-    RObject<CUriParameter> parameter = CUriParameter::Create(name, value);
+    RObject<CUriParameter> parameter(CUriParameter::Create(name, value));
     if (!parameter)
         return RESULT_OUT_OF_MEMORY;
     return m_parameters->Add(parameter);
@@ -116,7 +116,7 @@ int CUriParameterCollection::AddQuery(CString* query)
     const char* text = query->GetChars();
     if (*text == '?')
         ++text;
-    RObject<CString> pairs = CString::Create(text, int32_t(std::strcspn(text, "#")));
+    RObject<CString> pairs(CString::Create(text, int32_t(std::strcspn(text, "#"))));
     if (!pairs)
         return RESULT_OUT_OF_MEMORY;
     return AddParameters(pairs);

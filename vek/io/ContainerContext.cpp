@@ -27,7 +27,7 @@ ContainerContext ContainerContext::FromObject(CContainerContext* context)
 
 ContainerContext ContainerContext::CreateForStream(const Stream& stream, const char* name)
 {
-    RObject<CString> text = NewText(name);
+    RObject<CString> text(NewText(name));
     if (name && !text)
         return ContainerContext();
     return ContainerContext(CContainerStreamContext::Create(stream.ToObject(), text));
@@ -35,13 +35,13 @@ ContainerContext ContainerContext::CreateForStream(const Stream& stream, const c
 
 ContainerContext ContainerContext::CreateForDirectory(const char* directory)
 {
-    RObject<CString> text = NewText(directory);
+    RObject<CString> text(NewText(directory));
     return ContainerContext(text ? CContainerDirectoryContext::Create(text) : nullptr);
 }
 
 ContainerContext ContainerContext::CreateForFile(const char* filePath)
 {
-    RObject<CString> text = NewText(filePath);
+    RObject<CString> text(NewText(filePath));
     return ContainerContext(text ? CContainerDirectoryContext::CreateForFile(text) : nullptr);
 }
 
