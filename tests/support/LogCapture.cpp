@@ -79,9 +79,11 @@ void SetLogSetting(const char* name, const std::string& value)
 {
 #if VEK_PLATFORM_WINDOWS
     UsePrivateUserKey();
+    // Volatile like the private key it lies in (the registry refuses a
+    // lasting key below a volatile one).
     HKEY key = nullptr;
-    if (RegCreateKeyExA(HKEY_CURRENT_USER, kSettingsKey, 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr) !=
-        ERROR_SUCCESS)
+    if (RegCreateKeyExA(HKEY_CURRENT_USER, kSettingsKey, 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &key,
+                        nullptr) != ERROR_SUCCESS)
         return;
     if (value.empty())
         RegDeleteValueA(key, name);
