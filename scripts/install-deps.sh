@@ -4,7 +4,10 @@
 set -euo pipefail
 
 packages=(
-    cmake ninja-build pkg-config ccache g++ clang libclang-rt-14-dev
+    cmake ninja-build pkg-config ccache g++
+    # The fuzz preset names clang++-14: compiler and sanitizer/fuzzer runtime
+    # of the same version.
+    clang-14 libclang-rt-14-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     liburiparser-dev libsndfile1-dev
     g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64

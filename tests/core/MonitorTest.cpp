@@ -1,4 +1,5 @@
 #include "TestObjects.h"
+#include "support/TestSupport.h"
 
 #include <vek/core/CLock.h>
 #include <vek/core/RObject.h>
@@ -15,6 +16,9 @@ using VekTest::Probe;
 namespace {
 
 constexpr int kThreads = 4;
+// How long a test waits for another thread's wake-up before calling it lost:
+// far beyond any scheduling delay on a loaded machine or under Wine.
+constexpr std::chrono::seconds kNotifyLimit{30};
 
 template <typename Body>
 void RunThreads(int count, Body body)
@@ -43,6 +47,8 @@ TEST(Monitor, NegativeTimeWaitsUntilWoken)
     // -1 is how callers spell INFINITE; it must not read as "no wait".
     RObject<Probe> probe(new Probe());
     bool ready = false;
+    VekTest::Watchdog watchdog("Monitor.NegativeTimeWaitsUntilWoken: Wait(-1) was not woken by Notify",
+                               kNotifyLimit);
     std::thread notifier([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(30));
         CObject::CAutoLock guard(probe);
@@ -96,11 +102,13 @@ TEST(Monitor, WaitReleasesEveryLevelAndRestoresIt)
     {
         CObject::CAutoLock outer(probe);
         CObject::CAutoLock inner(probe); // entered twice
-        while (!ready)
+        // A wait that kept one level would lock the notifier out for good.
+        const auto deadline = std::chrono::steady_clock::now() + kNotifyLimit;
+        while (!ready && std::chrono::steady_clock::now() < deadline)
             probe->Wait(1000);
-        EXPECT_TRUE(ready);
+        EXPECT_TRUE(ready) << "the notifier never got the lock while its owner waited";
     }
-    notifier.join();
+    notifier.join(); // gets in once the owner leaves
     EXPECT_TRUE(probe->TryEnter());
     probe->Exit();
 }
@@ -112,12 +120,18 @@ TEST(Monitor, ProducerConsumerHandsOverEveryItem)
     constexpr int kItems = 2000;
     long long consumedSum = 0;
     int consumed = 0;
+    bool stranded = false;
 
     std::thread consumer([&] {
         CObject::CAutoLock guard(queueLock);
         while (consumed < kItems) {
-            while (queue.empty())
-                queueLock->Wait();
+            // Bounded: a lost wake-up fails the test instead of hanging it.
+            while (queue.empty()) {
+                if (!queueLock->Wait(int32_t(kNotifyLimit.count() * 1000)) && queue.empty()) {
+                    stranded = true;
+                    return;
+                }
+            }
             consumedSum += queue.back();
             queue.pop_back();
             ++consumed;
@@ -131,6 +145,8 @@ TEST(Monitor, ProducerConsumerHandsOverEveryItem)
         }
     });
     consumer.join();
+    EXPECT_FALSE(stranded) << "the consumer waited " << kNotifyLimit.count() << " s with an empty queue after "
+                           << consumed << " items: a wake-up was lost";
     EXPECT_EQ(consumed, kItems);
     EXPECT_EQ(consumedSum, (long long)kItems * (kItems - 1) / 2);
 }

@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -44,6 +46,29 @@ std::string ReadFile(const std::string& path)
     std::stringstream buffer;
     buffer << in.rdbuf();
     return buffer.str();
+}
+
+Watchdog::Watchdog(std::string what, std::chrono::seconds limit)
+{
+    m_thread = std::thread([this, what = std::move(what), limit] {
+        std::unique_lock<std::mutex> guard(m_lock);
+        if (m_done.wait_for(guard, limit, [this] { return m_finished; }))
+            return;
+        std::fprintf(stderr, "\nFAILED: %s: still waiting after %lld s\n", what.c_str(),
+                     static_cast<long long>(limit.count()));
+        std::fflush(stderr);
+        std::_Exit(1);
+    });
+}
+
+Watchdog::~Watchdog()
+{
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        m_finished = true;
+    }
+    m_done.notify_one();
+    m_thread.join();
 }
 
 } // namespace VekTest
