@@ -38,6 +38,7 @@ int WalkAllocationFailures(const std::string& name, Operation operation, int lim
         const int32_t alive = CLeaks::ShowLeaksSinceMark(CLeaks::Object);
         EXPECT_TRUE(accepted) << name << ": allocation " << n << " failing";
         EXPECT_EQ(alive, 0) << name << ": allocation " << n << " failing leaves objects alive";
+        EXPECT_TRUE(failed || n > 1) << name << ": makes no allocation, so the walk tests nothing";
         if (!accepted || alive != 0 || !failed)
             return n - 1;
     }

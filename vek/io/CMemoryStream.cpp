@@ -128,10 +128,10 @@ int CMemoryStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition)
 
 // The old array goes to `retired` instead of being released: a write may be
 // copying from it (a stream written from its own GetData()).
-void CMemoryStream::Expand(int64_t needed, RObject<CByteArray>& retired)
+int CMemoryStream::Expand(int64_t needed, RObject<CByteArray>& retired)
 {
     if (!m_growable || needed <= m_capacity || needed > kMaxSize)
-        return;
+        return 0;
     // Twice the size asked for, not twice the old capacity.
     const int32_t capacity = int32_t(std::min<int64_t>(2 * needed, kMaxSize));
     CByteArray* grown = new (fallible) CByteArray(capacity);
@@ -140,7 +140,7 @@ void CMemoryStream::Expand(int64_t needed, RObject<CByteArray>& retired)
         Log(LogLevel::Error, "CMemoryStream::Expand: RESULT_OUT_OF_MEMORY (%d bytes)\n", capacity);
         if (grown)
             grown->Release();
-        return;
+        return RESULT_OUT_OF_MEMORY;
     }
     if (m_data && m_length > 0)
         std::memcpy(data, m_data, size_t(m_length));
@@ -148,15 +148,19 @@ void CMemoryStream::Expand(int64_t needed, RObject<CByteArray>& retired)
     m_buffer = grown;
     m_data = data;
     m_capacity = capacity;
+    return 0;
 }
 
 int CMemoryStream::PrepareWrite(int32_t count, RObject<CByteArray>& retired)
 {
-    if (!m_data || m_position < 0)
+    if ((!m_data && !m_growable) || m_position < 0)
         return RESULT_END_OF_STREAM;
     if (count < 0)
         return RESULT_ARGUMENT_OUT_OF_RANGE;
-    Expand(m_position + count, retired);
+    // A growable stream whose first array could not be had tries again here.
+    const int grown = Expand(m_position + count, retired);
+    if (grown < 0)
+        return grown;
     if (m_position + count > m_capacity)
         return RESULT_ARGUMENT_OUT_OF_RANGE;
     return 0;
@@ -204,11 +208,11 @@ int CMemoryStream::Write(unsigned char value, int32_t count)
 
 int CMemoryStream::WriteByte(unsigned char value)
 {
-    if (!m_data || m_position < 0)
-        return RESULT_END_OF_STREAM;
     RObject<CByteArray> retired;
-    Expand(m_position + 1, retired);
-    if (!m_data || m_position >= m_capacity)
+    const int ready = PrepareWrite(1, retired);
+    if (ready == RESULT_OUT_OF_MEMORY)
+        return ready;
+    if (ready < 0)
         return RESULT_END_OF_STREAM;
     m_data[m_position] = value;
     Advance(1);

@@ -52,11 +52,13 @@ public:
     // A null array writes nothing and returns 0.
     int Write(CByteArray* buffer) override;
     // -19101 without a buffer or at a negative position, -19003 for a
-    // negative count or when a fixed stream would overflow its capacity.
+    // negative count or when a fixed stream would overflow its capacity,
+    // -19002 when a growable one cannot grow (what it holds is kept).
     int Write(const unsigned char* buffer, int32_t count) override;
     // Writes `count` copies of `value`, with the rules of the block write.
     int Write(unsigned char value, int32_t count);
-    // 1 on success; -19101 when the byte does not fit.
+    // 1 on success; -19101 when the byte does not fit, -19002 when a
+    // growable stream cannot grow.
     int WriteByte(unsigned char value) override;
 
     int32_t GetCapacity() const { return m_capacity; }
@@ -72,7 +74,8 @@ protected:
 
 private:
     void Attach(CByteArray* buffer, int32_t offset);
-    void Expand(int64_t needed, RObject<CByteArray>& retired);
+    // 0, or -19002 when a growable stream cannot get the larger array.
+    int Expand(int64_t needed, RObject<CByteArray>& retired);
     // Common checks of the block and fill writes; 0 when `count` bytes may
     // be stored at the position.
     int PrepareWrite(int32_t count, RObject<CByteArray>& retired);
