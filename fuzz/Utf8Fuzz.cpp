@@ -21,8 +21,9 @@ bool IsSurrogate(uint16_t unit)
     return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
-// UTF-8 bytes of arbitrary input: the normalised form converts to the same
-// UTF-16 units and back to the same bytes.
+// UTF-8 bytes of arbitrary input: kept exactly as the UTF-8 form; the
+// UTF-16 form is well-formed, and its own UTF-8 (the normalised text)
+// converts back to the same units.
 void FromUtf8(const uint8_t* data, size_t size)
 {
     // NUL bytes would cut the terminated UTF-8 form; they are covered by
@@ -33,12 +34,8 @@ void FromUtf8(const uint8_t* data, size_t size)
             c = 1;
     }
     RObject<CString> first(new CString(input.data(), int32_t(input.size())));
-    const std::string normalised(first->GetChars());
-    RObject<CString> second(new CString(normalised.data(), int32_t(normalised.size())));
-    Check(second->GetLength() == first->GetLength());
+    Check(input == first->GetChars());
     const WChar* a = first->GetWChars();
-    const WChar* b = second->GetWChars();
-    Check(std::memcmp(a, b, size_t(first->GetLength()) * sizeof(WChar)) == 0);
     // Well-formed UTF-16: every surrogate is part of a pair.
     for (int32_t i = 0; i < first->GetLength(); ++i) {
         const uint16_t unit = uint16_t(a[i]);
@@ -50,7 +47,11 @@ void FromUtf8(const uint8_t* data, size_t size)
         }
     }
     RObject<CString> fromWide(new CString(a, first->GetLength()));
-    Check(normalised == fromWide->GetChars());
+    const std::string normalised(fromWide->GetChars());
+    RObject<CString> second(new CString(normalised.data(), int32_t(normalised.size())));
+    Check(second->GetLength() == first->GetLength());
+    Check(std::memcmp(a, second->GetWChars(), size_t(first->GetLength()) * sizeof(WChar)) == 0);
+    Check(normalised == second->GetChars());
 }
 
 // The same bytes read as UTF-16 units: paired surrogates survive, unpaired
