@@ -2,6 +2,18 @@
 
 // The library's one vocabulary of result codes: 0 (or a count) for success,
 // negative for failure, one block from -19000 down.
+//
+// Failure policy: nothing is thrown out of the library. Memory is allocated
+// without exceptions: CObject's operator new (both forms) returns null
+// rather than throw, and everything else is allocated with
+// `new (fallible)` (vek/core/Allocation.h). A failed allocation becomes
+// RESULT_OUT_OF_MEMORY, a null result or false, with a level-1 log line
+// where the failing function can still write one. The few places that use
+// standard containers that can throw (the leak report, the POSIX URL layer,
+// data-URI and URL building, reading the log settings) catch std::bad_alloc
+// (the URL layer any std::exception) inside the function that used them
+// and turn it into the same results. Host code called back by the library
+// (ExternalStream, the leak-label callback) must not throw.
 #include <vek/core/Types.h>
 
 namespace Quorvex::Vek {
