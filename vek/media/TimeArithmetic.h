@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <limits>
 
+#include <vek/core/CheckedMath.h>
+
 namespace Quorvex::Vek::TimeArithmetic {
 
 // The double nearest to a x b. The product is formed exactly in 64 bits
@@ -16,7 +18,7 @@ namespace Quorvex::Vek::TimeArithmetic {
 inline double Product(int64_t a, int64_t b)
 {
     int64_t exact;
-    if (!__builtin_mul_overflow(a, b, &exact))
+    if (Checked::Multiply(a, b, &exact))
         return static_cast<double>(exact);
     return static_cast<double>(a) * static_cast<double>(b);
 }
@@ -25,7 +27,7 @@ inline double Product(int64_t a, int64_t b)
 inline double Product(int64_t a, int64_t b, int64_t c)
 {
     int64_t ab, abc;
-    if (!__builtin_mul_overflow(a, b, &ab) && !__builtin_mul_overflow(ab, c, &abc))
+    if (Checked::Multiply(a, b, &ab) && Checked::Multiply(ab, c, &abc))
         return static_cast<double>(abc);
     return static_cast<double>(a) * static_cast<double>(b) * static_cast<double>(c);
 }
@@ -80,7 +82,7 @@ inline int64_t RoundQuotient(double numerator, double denominator)
 inline int64_t SaturatingMultiply(int64_t a, int64_t b)
 {
     int64_t result;
-    if (!__builtin_mul_overflow(a, b, &result))
+    if (Checked::Multiply(a, b, &result))
         return result;
     return ((a < 0) != (b < 0)) ? std::numeric_limits<int64_t>::min()
                                 : std::numeric_limits<int64_t>::max();
