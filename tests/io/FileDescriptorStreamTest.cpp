@@ -175,37 +175,29 @@ TEST(FileDescriptorStream, OpenFailuresAreMappedAndLogged)
         std::string path;
         Mode mode;
         int result;
-        const char* line;
+        const char* name; // as the log line spells the result
     };
+#define NAMED(code) code, #code
     const Case cases[] = {
-        {dir.File("missing/file"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
-         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
-        {dir.File("absent"), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
-         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        {dir.File("absent"), Mode::Read, NAMED(RESULT_PATH_DOES_NOT_EXIST)},
         // A folder in the path that is a file (Windows says "not found").
-        {dir.File("plain") + "/inner", Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
-         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
-        {dir.File("plain") + "/inner", Mode::Write, RESULT_PATH_DOES_NOT_EXIST,
-         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
-        {dir.Path(), Mode::Read, RESULT_PATH_IS_DIRECTORY,
-         "CFileDescriptorStream::Open: RESULT_PATH_IS_DIRECTORY\n"},
-        {dir.Path(), Mode::ReadWrite, RESULT_PATH_IS_DIRECTORY,
-         "CFileDescriptorStream::Open: RESULT_PATH_IS_DIRECTORY\n"},
+        {dir.File("plain") + "/inner", Mode::Write, NAMED(RESULT_PATH_DOES_NOT_EXIST)},
+        {dir.Path(), Mode::Read, NAMED(RESULT_PATH_IS_DIRECTORY)},
+        {dir.Path(), Mode::ReadWrite, NAMED(RESULT_PATH_IS_DIRECTORY)},
         // A name over 255 units is too long on every build (the Windows
         // runtime itself only says "not found").
-        {longName, Mode::Read, RESULT_PATH_NAME_TOO_LONG,
-         "CFileDescriptorStream::Open: RESULT_PATH_NAME_TOO_LONG\n"},
-        {longName + "/inner", Mode::Write, RESULT_PATH_NAME_TOO_LONG,
-         "CFileDescriptorStream::Open: RESULT_PATH_NAME_TOO_LONG\n"},
-        {dir.File(std::string(255, 'n')), Mode::Read, RESULT_PATH_DOES_NOT_EXIST,
-         "CFileDescriptorStream::Open: RESULT_PATH_DOES_NOT_EXIST\n"},
+        {longName, Mode::Read, NAMED(RESULT_PATH_NAME_TOO_LONG)},
+        {longName + "/inner", Mode::Write, NAMED(RESULT_PATH_NAME_TOO_LONG)},
+        {dir.File(std::string(255, 'n')), Mode::Read, NAMED(RESULT_PATH_DOES_NOT_EXIST)},
     };
+#undef NAMED
     const Stream earlier(new CMemoryStream());
     for (const Case& c : cases) {
         Stream handle = earlier;
         EXPECT_EQ(FileDescriptorStream::Open(c.path.c_str(), c.mode, handle), c.result) << c.path;
         EXPECT_EQ(handle.ToObject(), earlier.ToObject()) << "the result stays untouched on failure";
-        EXPECT_NE(log.Text().find(c.line), std::string::npos) << c.line;
+        const std::string line = std::string("CFileDescriptorStream::Open: ") + c.name + "\n";
+        EXPECT_NE(log.Text().find(line), std::string::npos) << line;
     }
     Stream handle;
     EXPECT_EQ(FileDescriptorStream::Open(static_cast<CString*>(nullptr), Mode::Read, handle),

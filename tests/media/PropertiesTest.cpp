@@ -177,7 +177,6 @@ TEST_F(BagTest, ReadResultsByCapacity)
         {"v", 4, true, 4, Bytes({0x11, 0x22, 0x33, 0x44, 0xEE, 0xEE})},
         {"v", 6, true, 4, Bytes({0x11, 0x22, 0x33, 0x44, 0xEE, 0xEE})},
         {"v", 3, true, RESULT_ARGUMENT_OUT_OF_RANGE, Bytes({0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE})},
-        {"v", 0, true, RESULT_ARGUMENT_OUT_OF_RANGE, Bytes({0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE})},
         {"v", -1, true, RESULT_ARGUMENT_OUT_OF_RANGE, Bytes({0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE})},
         {"absent", 6, true, 0, Bytes({0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE})},
         {nullptr, 6, true, 0, Bytes({0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE})},
@@ -332,12 +331,10 @@ TEST_F(BagTest, FormatterResultCodes)
         {"byte", &TestBag::GetByte, "four", RESULT_TYPE_MISMATCH},
         {"uint16", &TestBag::GetUInt16, "two", RESULT_OK},
         {"uint16", &TestBag::GetUInt16, "one", RESULT_TYPE_MISMATCH},
-        {"uint16", &TestBag::GetUInt16, "four", RESULT_TYPE_MISMATCH},
         {"uint32", &TestBag::GetUInt32, "four", RESULT_OK},
         {"uint32", &TestBag::GetUInt32, "eight", RESULT_TYPE_MISMATCH},
         {"uint32", &TestBag::GetUInt32, "absent", RESULT_INDEX_OUT_OF_RANGE},
         {"string", &TestBag::GetString, "none", RESULT_OK},
-        {"string", &TestBag::GetString, "eight", RESULT_OK},
         {"string", &TestBag::GetString, "absent", RESULT_INDEX_OUT_OF_RANGE},
     };
     for (const Case& c : cases) {
@@ -357,8 +354,6 @@ TEST_F(BagTest, DescriptionsAndTypes)
     EXPECT_EQ(bag.GetPropertyType("plain"), 0u);
     EXPECT_EQ(bag.GetPropertyDescription(nullptr), nullptr);
     EXPECT_EQ(IProperties::TXT, 0x74657874u);
-    EXPECT_EQ(IProperties::XML, 0x786D6C20u);
-    EXPECT_EQ(IProperties::HTML, 0x68746D6Cu);
     EXPECT_EQ(IProperties::URL, 0x75726C20u);
 }
 
@@ -436,12 +431,6 @@ TEST_F(BagTest, TypedReadsNeverPassTheStoredBytes)
     EXPECT_EQ(p.GetProperty("eight", i), RESULT_ARGUMENT_OUT_OF_RANGE);
     EXPECT_EQ(p.GetProperty("absent", i), 0);
     EXPECT_EQ(i, 42);
-    unsigned int u = 43;
-    EXPECT_EQ(p.GetProperty("absent", u), 0);
-    EXPECT_EQ(u, 43u);
-    l = 44;
-    EXPECT_EQ(p.GetProperty("absent", l), 0);
-    EXPECT_EQ(l, 44);
     b = true;
     EXPECT_EQ(p.GetProperty("absent", b), 0);
     EXPECT_TRUE(b);
