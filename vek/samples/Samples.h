@@ -2,6 +2,7 @@
 
 // Every class of the samples subsystem.
 #include <vek/samples/CAccessUnitDataReference.h>
+#include <vek/samples/AudioSample.h>
 #include <vek/samples/CAncillaryMetadataElement.h>
 #include <vek/samples/CAudioSample.h>
 #include <vek/samples/CBufferDataReference.h>
@@ -20,3 +21,8 @@
 #include <vek/samples/CSubtitleSample.h>
 #include <vek/samples/CTimecodeMetadataElement.h>
 #include <vek/samples/CVideoSample.h>
+#include <vek/samples/LockedDataReference.h>
+#include <vek/samples/MediaSample.h>
+#include <vek/samples/Metadata.h>
+#include <vek/samples/SubtitleSample.h>
+#include <vek/samples/VideoSample.h>
