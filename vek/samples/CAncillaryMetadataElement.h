@@ -11,8 +11,7 @@ namespace Quorvex::Vek {
 class VEK_API CAncillaryMetadataElement : public CMetadataElement {
 public:
     enum : uint32_t { Type = Four("vanc") };
-    static constexpr int32_t MaxDataLength = 255;
-    static constexpr int32_t HeaderLength = 4;
+    enum : int32_t { MaxDataLength = 255, HeaderLength = 4 };
 
     // A new element (new reference); null for a negative length or one
     // above MaxDataLength, or without memory.

@@ -29,14 +29,17 @@ namespace Quorvex::Vek {
 
 class VEK_API CMediaSample : public CPoolObject, public IProperties {
 public:
-    // Hint flags.
-    static constexpr int32_t KeyFrameAligned = 1;
-    static constexpr int32_t Discontinuity = 2;
-    static constexpr int32_t Hold = 4;
-    static constexpr int32_t Reuse = 8;
-    static constexpr int32_t Splice = 0x40000000;
-    // The sign bit: the sample is decoded but not presented.
-    static constexpr int32_t Exclude = INT32_MIN;
+    // Hint flags. Enumerators, not static data: a DLL client can bind them
+    // to references without importing data.
+    enum : int32_t {
+        KeyFrameAligned = 1,
+        Discontinuity = 2,
+        Hold = 4,
+        Reuse = 8,
+        Splice = 0x40000000,
+        // The sign bit: the sample is decoded but not presented.
+        Exclude = INT32_MIN,
+    };
 
     int SetTime(int64_t time)
     {

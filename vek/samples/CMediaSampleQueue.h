@@ -17,7 +17,7 @@ namespace Quorvex::Vek {
 class VEK_API CMediaSampleQueue : public CObject {
 public:
     enum : uint32_t { Type = Four("msqu") };
-    static constexpr int32_t MaxCapacity = 1 << 20;
+    enum : int32_t { MaxCapacity = 1 << 20 };
 
     // A new queue with 2^ceil(log2(capacity)) slots; null for a capacity
     // outside 1..MaxCapacity or without memory.

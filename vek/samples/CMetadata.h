@@ -39,12 +39,15 @@ class CMediaSample;
 class VEK_API CMetadata : public CPoolObject {
 public:
     enum : uint32_t { Type = Four("mfrm") };
-    static constexpr uint16_t Version = 1;
-    static constexpr uint16_t FlagLocalDataCopy = 1;
-    // Bounds of what one metadata object holds (and a parser accepts).
-    static constexpr int32_t MaxElements = 4096;
-    static constexpr int32_t BodyHeaderLength = 16;
-    static constexpr int32_t ElementHeaderLength = 8;
+    // Enumerators, not static data, so DLL clients need no data import.
+    enum : int32_t {
+        Version = 1,
+        FlagLocalDataCopy = 1,
+        // Bounds of what one metadata object holds (and a parser accepts).
+        MaxElements = 4096,
+        BodyHeaderLength = 16,
+        ElementHeaderLength = 8,
+    };
 
     // Empty metadata from the shared pool (one reference); null without memory.
     static CMetadata* Create();

@@ -28,7 +28,7 @@ public:
     // The largest payload an element may carry, a bound on what a parser
     // allocates for one element; with CMetadata::MaxElements it keeps
     // every serialised form within 32-bit lengths.
-    static constexpr int32_t MaxPayloadLength = 1 << 16;
+    enum : int32_t { MaxPayloadLength = 1 << 16 };
 
     // A generic element holding a copy of `length` bytes (new reference).
     // Null for a negative or too large length, or without memory.

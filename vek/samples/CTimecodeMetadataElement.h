@@ -11,7 +11,7 @@ namespace Quorvex::Vek {
 class VEK_API CTimecodeMetadataElement : public CMetadataElement {
 public:
     enum : uint32_t { Type = Four("tmcd") };
-    static constexpr int32_t PayloadLength = 25;
+    enum : int32_t { PayloadLength = 25 };
 
     // A new element (new reference), or null without memory.
     static CTimecodeMetadataElement* Create(const CTimeCode& timecode);
