@@ -4,3 +4,4 @@
 #include <vek/core/Core.h>
 #include <vek/media/Media.h>
 #include <vek/io/IO.h>
+#include <vek/components/Components.h>

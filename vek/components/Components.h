@@ -1,0 +1,7 @@
+#pragma once
+
+// Every class of the component registry.
+#include <vek/components/CHeap.h>
+#include <vek/components/CMaxPriorityQueue.h>
+#include <vek/components/CPriority.h>
+#include <vek/components/CPriorityQueue.h>
