@@ -8,3 +8,4 @@
 #include <vek/components/CMaxPriorityQueue.h>
 #include <vek/components/CPriority.h>
 #include <vek/components/CPriorityQueue.h>
+#include <vek/components/ComponentProbe.h>
