@@ -63,9 +63,13 @@ public:
         E* stored = element;
         m_items.Insert(m_items.Count(), std::move(stored)); // cannot fail: room was reserved
         Detail::Hold<E>(element);
+        // Sift up by sifting down each ancestor in turn. Once an ancestor
+        // stays put, the ones above it would too (nothing below them
+        // changed), so the walk stops there with the same result.
         for (int32_t k = m_items.Count() - 1; k > 0;) {
             k /= 2;
-            Heapify(k);
+            if (!Heapify(k))
+                break;
         }
         return RESULT_OK;
     }
@@ -130,11 +134,11 @@ protected:
     }
 
     // Sifts index i down: it swaps with the strictly greater of its children
-    // 2i and 2i+1 until neither is greater.
-    void Heapify(int32_t i)
+    // 2i and 2i+1 until neither is greater. True when anything moved.
+    bool Heapify(int32_t i)
     {
         const int32_t count = m_items.Count();
-        for (;;) {
+        for (bool moved = false;; moved = true) {
             int32_t largest = i;
             const int32_t left = 2 * i; // count <= MaxCapacity: no overflow
             if (left < count && m_compare(m_items[left], m_items[largest]) > 0)
@@ -142,7 +146,7 @@ protected:
             if (left + 1 < count && m_compare(m_items[left + 1], m_items[largest]) > 0)
                 largest = left + 1;
             if (largest == i)
-                return;
+                return moved;
             std::swap(m_items[i], m_items[largest]);
             i = largest;
         }
