@@ -5,3 +5,4 @@
 #include <vek/media/Media.h>
 #include <vek/io/IO.h>
 #include <vek/samples/Samples.h>
+#include <vek/components/Components.h>
