@@ -33,6 +33,11 @@ public:
         readsAt.push_back({GetPosition(), count});
         return CMemoryStream::Read(buffer, piece > 0 && count > piece ? piece : count);
     }
+    int Seek(int64_t offset, SeekOrigin origin, int64_t* newPosition = nullptr) override
+    {
+        ++seeks;
+        return CMemoryStream::Seek(offset, origin, newPosition);
+    }
     int64_t GetAvailableLength() override
     {
         return lengthKnown ? CMemoryStream::GetAvailableLength() : -1;
@@ -55,6 +60,7 @@ public:
     std::vector<std::string> events;
     std::vector<std::pair<int64_t, int32_t>> readsAt; // position and count asked
     int reads = 0;
+    int seeks = 0;
     bool failWrites = false;
     bool readable = true;
     int32_t piece = 0; // most bytes one read hands out; 0: no limit
@@ -245,6 +251,24 @@ TEST(BufferedStream, InnerReadsAreWholeAlignedBlocks)
         }
         EXPECT_EQ(inner->readsAt.size() > before, step.innerReads) << step.position;
     }
+}
+
+// Reading on from where the last read ended moves the inner stream no
+// further: one seek for the whole pass, not one per inner read.
+TEST(BufferedStream, SequentialReadsSeekOnce)
+{
+    RObject<CRecordingStream> inner(new CRecordingStream());
+    std::vector<unsigned char> bytes(4000, 7);
+    inner->Write(bytes.data(), int32_t(bytes.size()));
+    RObject<CBufferedStream> cache(new CBufferedStream(inner, 64, 4));
+    const int seeksBefore = inner->seeks;
+    std::vector<unsigned char> out(300);
+    int64_t total = 0;
+    for (int got = 1; total < 4000 && got > 0;)
+        total += got = cache->Read(out.data(), 300);
+    EXPECT_EQ(total, 4000);
+    EXPECT_GT(inner->reads, 4000 / 300);
+    EXPECT_EQ(inner->seeks - seeksBefore, 1);
 }
 
 TEST(BufferedStream, WriteBeyondTheEndLeavesAZeroGap)

@@ -83,6 +83,7 @@ CBufferedStream::CCacheBlock* CBufferedStream::BlockAt(int32_t index) const
 
 int CBufferedStream::Control(uint32_t code, int32_t size, unsigned char* data)
 {
+    m_innerPosition = -1; // a control request may move the inner stream
     return m_inner ? m_inner->Control(code, size, data) : RESULT_NOT_SUPPORTED;
 }
 
@@ -120,9 +121,15 @@ int CBufferedStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newPositio
     return 0;
 }
 
+// Skips the seek when the inner stream already stands there: sequential
+// reads then cost one inner call each, not a seek and a read.
 int CBufferedStream::SeekInner(int64_t position)
 {
-    return m_inner->Seek(position, Begin, nullptr);
+    if (position == m_innerPosition)
+        return 0;
+    const int result = m_inner->Seek(position, Begin, nullptr);
+    m_innerPosition = result < 0 ? -1 : position;
+    return result;
 }
 
 // ---- blocks ------------------------------------------------------------
@@ -237,14 +244,17 @@ int CBufferedStream::ReadInner(int64_t position, unsigned char* buffer, int32_t 
     int32_t got = 0;
     while (got < count) {
         const int result = m_inner->Read(buffer + got, count - got);
-        if (result < 0)
+        if (result < 0) {
+            m_innerPosition = -1;
             return result;
+        }
         if (result == 0)
             break;
         got += result;
         if (got < count && !InnerHasMore(position + got))
             break;
     }
+    m_innerPosition = position + got;
     return got;
 }
 
@@ -266,6 +276,7 @@ int CBufferedStream::WriteBack(CCacheBlock& block)
     if (result < 0)
         return result;
     result = m_inner->Write(block.bytes, block.valid);
+    m_innerPosition = result < 0 ? -1 : block.start + result;
     if (result < 0)
         return result;
     if (result != block.valid) {
@@ -395,7 +406,9 @@ int CBufferedStream::PassThroughRead(unsigned char* buffer, int32_t count)
     const int result = SeekInner(m_position);
     if (result < 0)
         return result;
-    return m_inner->Read(buffer, count);
+    const int got = m_inner->Read(buffer, count);
+    m_innerPosition = got < 0 ? -1 : m_position + got;
+    return got;
 }
 
 // ---- writing -----------------------------------------------------------
@@ -452,7 +465,9 @@ int CBufferedStream::PassThroughWrite(const unsigned char* buffer, int32_t count
     const int result = SeekInner(m_position);
     if (result < 0)
         return result;
-    return m_inner->Write(buffer, count);
+    const int put = m_inner->Write(buffer, count);
+    m_innerPosition = put < 0 ? -1 : m_position + put;
+    return put;
 }
 
 // ---- flushing and closing ---------------------------------------------
@@ -466,6 +481,7 @@ int CBufferedStream::Flush()
     const int result = WriteBackAll();
     if (result < 0)
         return result;
+    m_innerPosition = -1;
     return m_inner->Flush();
 }
 
@@ -486,6 +502,7 @@ void CBufferedStream::Close()
     Flush();
     m_inner->Close();
     m_inner.SafeRelease();
+    m_innerPosition = -1;
     m_blocks.SafeRelease();
     m_blockSize = 0;
     m_lastHit = 0;

@@ -108,6 +108,10 @@ private:
     int32_t m_blockSize = 0;
     // In creation order; write-back on Flush runs from last to first.
     RObject<CList<CCacheBlock>> m_blocks;
+    // Where the inner stream stands after this stream's last call into it;
+    // -1 when unknown. The inner stream is this stream's to move: a caller
+    // that moves it behind the cache's back already breaks the cached bytes.
+    int64_t m_innerPosition = -1;
     uint64_t m_clock = 0;
     int32_t m_lastHit = 0;
 };
