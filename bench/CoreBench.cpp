@@ -1,11 +1,15 @@
 // Object-model hot paths against their nearest standard-library equivalents,
-// measured in one run so the ratios are comparable.
+// measured in one run so the ratios are comparable, in a process that has
+// started a thread (Threaded.h).
 #include <vek/core/CLock.h>
 #include <vek/core/CObject.h>
 #include <vek/core/RObject.h>
 
 #include <benchmark/benchmark.h>
 
+#include "Threaded.h"
+
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -31,6 +35,19 @@ void AcquireRelease(benchmark::State& state)
     }
 }
 BENCHMARK(AcquireRelease);
+
+// The floor for a reference count: one atomic increment and one decrement
+// of a counter on the heap, as Acquire and Release make them.
+void AtomicPairOnHeap(benchmark::State& state)
+{
+    auto counter = std::make_unique<std::atomic<int32_t>>(1);
+    for (auto _ : state) {
+        counter->fetch_add(1, std::memory_order_relaxed);
+        counter->fetch_sub(1, std::memory_order_acq_rel);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(AtomicPairOnHeap);
 
 // shared_ptr's count pair: one atomic increment and one decrement.
 void SharedPtrCopyDrop(benchmark::State& state)

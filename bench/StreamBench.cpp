@@ -15,6 +15,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "Threaded.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

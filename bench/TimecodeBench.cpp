@@ -7,6 +7,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "Threaded.h"
+
 #include <cstdio>
 #include <string>
 #include <vector>

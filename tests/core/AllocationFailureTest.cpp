@@ -17,6 +17,7 @@
 
 using namespace Quorvex::Vek;
 
+#if VEK_FAULT_INJECTION
 namespace {
 
 using Str = RObject<CString>;
@@ -30,7 +31,6 @@ bool NullOrText(CString* made, const char* expected)
 
 } // namespace
 
-#if VEK_FAULT_INJECTION
 TEST(AllocationFailure, StringBuilding)
 {
     using Check = bool (*)();

@@ -18,6 +18,7 @@
 
 using namespace Quorvex::Vek;
 
+#if VEK_FAULT_INJECTION
 namespace {
 
 bool NullOrText(CString* made, const char* expected)
@@ -28,7 +29,6 @@ bool NullOrText(CString* made, const char* expected)
 
 } // namespace
 
-#if VEK_FAULT_INJECTION
 TEST(AllocationFailure, Streams)
 {
     VekTest::WalkAllocationFailures("growing memory stream", [] {

@@ -52,13 +52,8 @@ CObject* CObject::CreateForLock()
     return object;
 }
 
-void CObject::Release() const
+void CObject::ReleaseLast() const
 {
-    if (m_count.fetch_sub(1, std::memory_order_acq_rel) - 1 > 0) {
-        if (CLeaks::IsTracking())
-            CLeaks::ReleaseObject(this);
-        return;
-    }
     if (!m_reclaim) {
         Destroy();
         return;

@@ -38,7 +38,17 @@ public:
         if (CLeaks::IsTracking())
             CLeaks::AcquireObject(this);
     }
-    void Release() const;
+    // Inline: dropping a reference that is not the last is one atomic
+    // decrement on the caller's side, with no call into the library.
+    void Release() const
+    {
+        if (m_count.fetch_sub(1, std::memory_order_acq_rel) > 1) {
+            if (CLeaks::IsTracking())
+                CLeaks::ReleaseObject(this);
+            return;
+        }
+        ReleaseLast();
+    }
 
     uint32_t GetType() const { return m_type; }
     void SetType(uint32_t type) { m_type = type; }
@@ -92,6 +102,8 @@ private:
     static bool Initialize();
     static const bool s_initialized;
 
+    // The count has reached zero: reclaim the object or destroy it.
+    void ReleaseLast() const;
     virtual void Synchronize();
     CLock* Monitor();
     void Destroy() const;
