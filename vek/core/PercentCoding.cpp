@@ -41,4 +41,12 @@ int64_t Decode(const char* text, size_t length, char* out, Malformed mode, bool 
     return int64_t(n);
 }
 
+void Encode(unsigned char byte, char* out)
+{
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    out[0] = '%';
+    out[1] = kDigits[byte >> 4];
+    out[2] = kDigits[byte & 15];
+}
+
 } // namespace Quorvex::Vek::PercentCoding

@@ -22,6 +22,10 @@ enum class Malformed {
 // digits, all within `length`.
 VEK_API bool IsEscapeAt(const char* text, size_t length, size_t at);
 
+// Writes the escape of `byte` ('%' and two upper-case hexadecimal digits)
+// to out[0..2]; no terminator.
+VEK_API void Encode(unsigned char byte, char* out);
+
 // Decodes `length` bytes of `text` into `out`, which holds at least
 // `length` bytes (decoding never grows a text; no terminator is written).
 // With `plusIsSpace`, '+' becomes a space (form values). Returns the number

@@ -96,9 +96,8 @@ CString* CUri::EscapeDataString(CString* text, unsigned int flags)
     for (size_t i = 0; i < length; ++i) {
         const char c = chars[i];
         if (NeedsEscape(c, flags)) {
-            out[n++] = '%';
-            out[n++] = ToHexDigit(uint8_t(c) >> 4);
-            out[n++] = ToHexDigit(uint8_t(c) & 15);
+            PercentCoding::Encode(uint8_t(c), out.get() + n);
+            n += 3;
         } else {
             out[n++] = c;
         }

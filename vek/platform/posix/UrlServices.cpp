@@ -65,11 +65,17 @@ bool IsUriChar(char c)
     return std::strchr("-._~!$&'()*+,;=:@/?[]", c) != nullptr && c != 0;
 }
 
+void AppendEscape(std::string& out, char c)
+{
+    char escape[3];
+    PercentCoding::Encode(uint8_t(c), escape);
+    out.append(escape, 3);
+}
+
 // Replaces every byte uriparser would refuse with `a` (so offsets stay
 // those of the original text) or, with `encode`, with its %XX escape.
 std::string Sanitize(const char* text, size_t schemeLength, bool encode)
 {
-    static const char digits[] = "0123456789ABCDEF";
     std::string out(text, schemeLength);
     bool inFragment = false;
     for (size_t i = schemeLength; text[i]; ++i) {
@@ -82,7 +88,7 @@ std::string Sanitize(const char* text, size_t schemeLength, bool encode)
         if (keep)
             out += c;
         else if (encode)
-            out.append({'%', digits[uint8_t(c) >> 4], digits[uint8_t(c) & 15]});
+            AppendEscape(out, c);
         else
             out += 'a';
     }
@@ -394,7 +400,6 @@ bool UnguardedCombineUrl(const char* base, const char* relative, char* out)
 
 bool UnguardedEscapeUrl(const char* url, char* out)
 {
-    static const char digits[] = "0123456789ABCDEF";
     if (!url || !out)
         return false;
     out[0] = 0;
@@ -415,7 +420,7 @@ bool UnguardedEscapeUrl(const char* url, char* out)
         if (escaping && c == '\\' && (kind == SchemeKind::File || kind == SchemeKind::Http))
             c = '/';
         if (escaping && (NeedsUrlEscape(c) || (c == '#' && kind == SchemeKind::File)))
-            result.append({'%', digits[uint8_t(c) >> 4], digits[uint8_t(c) & 15]});
+            AppendEscape(result, c);
         else
             result += c;
     }
