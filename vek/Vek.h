@@ -6,3 +6,4 @@
 #include <vek/io/IO.h>
 #include <vek/samples/Samples.h>
 #include <vek/components/Components.h>
+#include <vek/containers/Containers.h>

@@ -1,5 +1,6 @@
 #include <vek/io/CContainerContext.h>
 
+#include <vek/containers/CContainerReader.h>
 #include <vek/core/CharClass.h>
 
 #include <vek/core/Log.h>
@@ -211,6 +212,16 @@ int CContainerContext::OpenStream(const ReaderSettings& reader, CString* name, C
     if (!path)
         return RESULT_OUT_OF_MEMORY;
     return OpenForReading(path, reader, result);
+}
+
+int CContainerContext::OpenStream(CContainerReader* reader, CString* name, CStream*& result)
+{
+    if (!reader)
+        return RESULT_ARGUMENT_NULL;
+    ReaderSettings settings;
+    settings.bufferSize = reader->GetStreamBlockSize();
+    settings.readWaitTime = reader->GetReadTimeout();
+    return OpenStream(settings, name, result);
 }
 
 int CContainerContext::OpenStream(const WriterSettings&, CString* name, CStream*& result)

@@ -14,6 +14,7 @@
 namespace Quorvex::Vek {
 
 class CStream;
+class CContainerReader;
 
 class VEK_API CContainerContext : public CObject {
 public:
@@ -66,6 +67,10 @@ public:
     // open's code on failure, otherwise 0 with the stream in `result`.
     // File-based contexts open the path that Resolve makes of the name.
     virtual int OpenStream(const ReaderSettings& reader, CString* name, CStream*& result);
+    // Opens `name` for `reader` as it asks: behind a buffered stream of
+    // ReadBufferBlocks blocks of its block size when it has one, reads
+    // waiting for a growing file as long as its read timeout says.
+    int OpenStream(CContainerReader* reader, CString* name, CStream*& result);
     // Opens `name` for a writer, likewise.
     virtual int OpenStream(const WriterSettings& writer, CString* name, CStream*& result);
 

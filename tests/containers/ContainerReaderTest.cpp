@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <vek/Vek.h>
+
+using namespace Quorvex::Vek;
+
+namespace {
+
+// A reader with no media: every default of the base shows through it.
+class BareReader : public CContainerReader {
+public:
+    BareReader() : CContainerReader(Four("bare")) {}
+};
+
+TEST(ContainerReader, DefaultsOfTheBase)
+{
+    RObject<BareReader> reader(new BareReader());
+    CVideoSample* video = nullptr;
+    CAudioSample* audio = nullptr;
+    CSubtitleSample* subtitle = nullptr;
+    CMemoryDataReference* data = nullptr;
+    EXPECT_EQ(reader->ReadVideoSample(0, video), RESULT_NOT_SUPPORTED);
+    EXPECT_EQ(reader->ReadVideoSample(video), RESULT_NOT_SUPPORTED);
+    EXPECT_EQ(reader->ReadVideoSample(1, video), RESULT_NOT_SUPPORTED);
+    EXPECT_EQ(reader->ReadAudioSample(0, audio), RESULT_NOT_SUPPORTED);
+    EXPECT_EQ(reader->ReadSubtitleSample(0, subtitle), RESULT_NOT_SUPPORTED);
+    EXPECT_EQ(reader->ReadAudioData(0, nullptr, data), RESULT_NOT_IMPLEMENTED);
+    EXPECT_EQ(reader->ReadVideoMetadata(0, 0, nullptr, data), RESULT_NOT_IMPLEMENTED);
+    EXPECT_EQ(reader->Validate(nullptr), 0);
+    EXPECT_EQ(reader->GetAudioFormats(), nullptr);
+    EXPECT_TRUE(reader->IsAudioReady(0));
+}
+
+TEST(ContainerReader, WaitForMediaWithoutTracksIsFalseAfterOneWait)
+{
+    RObject<BareReader> reader(new BareReader());
+    EXPECT_FALSE(reader->WaitForMedia(10));
+}
+
+TEST(ContainerReader, ReadTimeoutPropertyIsTheReadersOwn)
+{
+    RObject<BareReader> reader(new BareReader());
+    const int32_t timeout = 2500;
+    const unsigned char two[2] = {1, 2};
+    EXPECT_EQ(reader->SetProperty(ContainerReaderProperty::ReadTimeout, 2, two), RESULT_ERROR);
+    EXPECT_EQ(reader->SetProperty(ContainerReaderProperty::ReadTimeout, 4,
+                                  reinterpret_cast<const unsigned char*>(&timeout)),
+              RESULT_OK);
+    EXPECT_EQ(reader->GetReadTimeout(), 2500);
+    int32_t back = 0;
+    EXPECT_EQ(reader->GetProperty(ContainerReaderProperty::ReadTimeout, 4, reinterpret_cast<unsigned char*>(&back)), 4);
+    EXPECT_EQ(back, 2500);
+    EXPECT_EQ(reader->GetPropertyCount(), 0) << "the timeout is not a bag entry";
+    EXPECT_EQ(reader->SetProperty("timecode", 11, reinterpret_cast<const unsigned char*>("01:00:00:00")), RESULT_OK);
+    RObject<CString> text(reader->GetPropertyValue("timecode"));
+    EXPECT_STREQ(text->GetChars(), "01:00:00:00");
+    EXPECT_STREQ(reader->GetPropertyDescription("timecode"), "Starting Timecode");
+}
+
+TEST(ContainerReader, ReadDataFetchesTheRangeAndRefusesOneBeyondTheEnd)
+{
+    const unsigned char bytes[] = "0123456789";
+    RObject<CMemoryStream> stream(new CMemoryStream(10, bytes));
+    RObject<CContainerDataReference> range(new CContainerDataReference(3, 4));
+    CByteArray* fetched = nullptr;
+    ASSERT_EQ(CContainerReader::ReadData(stream, range, fetched), RESULT_OK);
+    RObject<CByteArray> data(fetched);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(data->GetData()), 4), "3456");
+
+    RObject<CContainerDataReference> beyond(new CContainerDataReference(8, 4));
+    CMemoryDataReference* memory = nullptr;
+    EXPECT_EQ(CContainerReader::ReadData(stream, beyond, memory), RESULT_END_OF_STREAM);
+    EXPECT_EQ(memory, nullptr);
+}
+
+// A reader whose audio sample points at bytes 2..5 of its stream.
+class RangeReader : public CContainerReader {
+public:
+    using CContainerReader::ReadAudioData;
+    explicit RangeReader(CStream* stream) : CContainerReader(Four("rnge")), m_stream(RObject<CStream>::FromObject(stream)) {}
+    int ReadAudioData(int32_t, CContainerDataReference* range, CMemoryDataReference*& data) override
+    {
+        return ReadData(m_stream, range, data);
+    }
+
+private:
+    RObject<CStream> m_stream;
+};
+
+TEST(ContainerReader, ResolvingASampleReplacesOnlyContainerRanges)
+{
+    const unsigned char bytes[] = "abcdefgh";
+    RObject<CMemoryStream> stream(new CMemoryStream(8, bytes));
+    RObject<RangeReader> reader(new RangeReader(stream));
+    RObject<CAudioSample> sample(CAudioSample::Create());
+    RObject<CContainerDataReference> range(new CContainerDataReference(2, 4));
+    sample->SetDataReference(range);
+    ASSERT_EQ(reader->ReadAudioData(0, sample.Get()), RESULT_OK);
+    CMediaSampleDataReference* resolved = sample->GetDataReference();
+    ASSERT_TRUE(resolved->IsType(CMemoryDataReference::Type));
+    CByteArray* buffer = static_cast<CMemoryDataReference*>(resolved)->GetBuffer();
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer->GetData()), 4), "cdef");
+    // Already in memory: left as it is.
+    EXPECT_EQ(reader->ReadAudioData(0, sample.Get()), RESULT_OK);
+    EXPECT_EQ(sample->GetDataReference(), resolved);
+}
+
+} // namespace
