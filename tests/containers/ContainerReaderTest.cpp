@@ -2,6 +2,9 @@
 
 #include <vek/Vek.h>
 
+#include "support/LogCapture.h"
+#include "support/TestSupport.h"
+
 using namespace Quorvex::Vek;
 
 namespace {
@@ -103,6 +106,38 @@ TEST(ContainerReader, ResolvingASampleReplacesOnlyContainerRanges)
     // Already in memory: left as it is.
     EXPECT_EQ(reader->ReadAudioData(0, sample.Get()), RESULT_OK);
     EXPECT_EQ(sample->GetDataReference(), resolved);
+}
+
+// Accepts only files that begin with "PROBE-ME".
+class SignatureReader : public CContainerReader {
+public:
+    SignatureReader() : CContainerReader(Four("sign")) {}
+    int Validate(CStream* stream) override
+    {
+        unsigned char head[8] = {};
+        return stream->Read(head, 8) == 8 && std::memcmp(head, "PROBE-ME", 8) == 0 ? 128 : 0;
+    }
+};
+
+TEST(ContainerReader, OpeningByPathProbesTheFileAndKeepsTheFlags)
+{
+    static const int registered = CContainerReaderInventory::AddFactory(
+        RObject<CInstanceFactory<SignatureReader>>(CInstanceFactory<SignatureReader>::Create(Four("sign"))));
+    ASSERT_EQ(registered, RESULT_OK);
+    VekTest::TempDir folder;
+    ASSERT_TRUE(VekTest::WriteFile(folder.File("match.bin"), "PROBE-ME and more"));
+    ASSERT_TRUE(VekTest::WriteFile(folder.File("other.bin"), "something else"));
+
+    ContainerReader reader = ContainerReader::Create(folder.File("match.bin").c_str(), 0x5A);
+    ASSERT_FALSE(reader.IsNull());
+    EXPECT_TRUE(reader.ToObject()->IsType(Four("sign")));
+    EXPECT_EQ(reader.ToReader()->GetFlags(), 0x5Au);
+    EXPECT_STREQ(reader.GetContext().GetCurrentFileName().GetChars(), "match.bin");
+
+    VekTest::LogCapture log(1);
+    EXPECT_TRUE(ContainerReader::Create(folder.File("other.bin").c_str()).IsNull());
+    EXPECT_EQ(log.Count("no registered reader accepts 'other.bin'"), 1u);
+    EXPECT_TRUE(ContainerReader::Create(folder.File("missing.bin").c_str()).IsNull());
 }
 
 } // namespace

@@ -6,3 +6,5 @@
 #include <vek/containers/CContainerReaderInventory.h>
 #include <vek/containers/CContainerWriter.h>
 #include <vek/containers/CContainerWriterInventory.h>
+#include <vek/containers/Container.h>
+#include <vek/containers/ContainerReader.h>
