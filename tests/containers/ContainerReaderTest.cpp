@@ -2,6 +2,7 @@
 
 #include <vek/Vek.h>
 
+#include "support/AllocationWalk.h"
 #include "support/LogCapture.h"
 #include "support/TestSupport.h"
 
@@ -119,11 +120,16 @@ public:
     }
 };
 
-TEST(ContainerReader, OpeningByPathProbesTheFileAndKeepsTheFlags)
+int RegisterSignatureReader()
 {
     static const int registered = CContainerReaderInventory::AddFactory(
         RObject<CInstanceFactory<SignatureReader>>(CInstanceFactory<SignatureReader>::Create(Four("sign"))));
-    ASSERT_EQ(registered, RESULT_OK);
+    return registered;
+}
+
+TEST(ContainerReader, OpeningByPathProbesTheFileAndKeepsTheFlags)
+{
+    ASSERT_EQ(RegisterSignatureReader(), RESULT_OK);
     VekTest::TempDir folder;
     ASSERT_TRUE(VekTest::WriteFile(folder.File("match.bin"), "PROBE-ME and more"));
     ASSERT_TRUE(VekTest::WriteFile(folder.File("other.bin"), "something else"));
@@ -138,6 +144,61 @@ TEST(ContainerReader, OpeningByPathProbesTheFileAndKeepsTheFlags)
     EXPECT_TRUE(ContainerReader::Create(folder.File("other.bin").c_str()).IsNull());
     EXPECT_EQ(log.Count("no registered reader accepts 'other.bin'"), 1u);
     EXPECT_TRUE(ContainerReader::Create(folder.File("missing.bin").c_str()).IsNull());
+}
+
+TEST(AllocationFailure, ChoosingAReaderByProbing)
+{
+    VEK_REQUIRE_FAULT_INJECTION();
+    ASSERT_EQ(RegisterSignatureReader(), RESULT_OK);
+    const int walked = VekTest::WalkAllocationFailures("probe a stream with every registered reader", [] {
+        const unsigned char bytes[] = "PROBE-ME";
+        RObject<CMemoryStream> stream(new CMemoryStream(8, bytes));
+        if (!stream)
+            return true;
+        RObject<CContainerReader> reader(CContainerReaderInventory::Create(stream));
+        return !reader || reader->IsType(Four("sign"));
+    });
+    EXPECT_GE(walked, 2) << "the factory snapshot and the reader";
+}
+
+// A kind of its own, so that its inventory starts empty in this test.
+class WalkKind : public CObject {
+public:
+    using ComponentKind = WalkKind;
+    WalkKind() : CObject(Four("walk")) {}
+};
+
+} // namespace
+
+VEK_DECLARE_COMPONENT_INVENTORY(, WalkKind);
+VEK_DEFINE_COMPONENT_INVENTORY(WalkKind);
+
+namespace {
+
+TEST(AllocationFailure, RegistrationLeavesTheInventoryAsItWasWhenMemoryRunsOut)
+{
+    VEK_REQUIRE_FAULT_INJECTION();
+    using Inventory = CComponentInventory<CComponentFactory<WalkKind>>;
+    for (int n = 1; n <= 64; ++n) {
+        RObject<CInstanceFactory<WalkKind>> factory(CInstanceFactory<WalkKind>::Create(uint32_t(n)));
+        ASSERT_TRUE(factory);
+        RObject<CList<CComponentFactory<WalkKind>>> before(Inventory::GetFactories());
+        FaultInjection::FailAllocation(1);
+        const int result = Inventory::AddFactory(factory);
+        FaultInjection::Disarm();
+        const bool failed = FaultInjection::HasFailed();
+        FaultInjection::FailAllocation(0);
+        RObject<CList<CComponentFactory<WalkKind>>> after(Inventory::GetFactories());
+        if (failed) {
+            EXPECT_EQ(result, RESULT_OUT_OF_MEMORY) << "registration " << n;
+            EXPECT_EQ(after->GetCount(), before->GetCount()) << "registration " << n;
+            EXPECT_EQ(Inventory::GetFactoryByID(uint32_t(n)), nullptr);
+            ASSERT_EQ(Inventory::AddFactory(factory), RESULT_OK);
+        } else {
+            EXPECT_EQ(result, RESULT_OK);
+        }
+        EXPECT_EQ(Inventory::GetFactoryByID(uint32_t(n)), factory.Get());
+    }
 }
 
 } // namespace
