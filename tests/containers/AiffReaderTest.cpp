@@ -1,6 +1,5 @@
 #include "AudioReaderHarness.h"
 
-#include "support/AllocationWalk.h"
 #include "support/LogCapture.h"
 
 using namespace Quorvex::Vek;
@@ -120,7 +119,7 @@ TEST(AiffReader, RefusesHostileHeadersWithALogLineAndNoTrack)
     const Bytes sound = AiffSound(Pattern(8));
     const Bytes comm = AiffCommon(1, 4, 16, 8000);
     const Bytes good = Aiff({{"COMM", comm}, {"SSND", sound}});
-    Bytes riff = Aiff({{"COMM", AiffCommon(1, 4, 16, 8000)}, {"SSND", sound}});
+    Bytes riff = good;
     std::copy_n("RIFF", 4, riff.begin());
     ByteWriter badOffset(true);
     badOffset.U32(100).U32(0).Append(Pattern(8));
@@ -160,31 +159,35 @@ TEST(AiffReader, RefusesHostileHeadersWithALogLineAndNoTrack)
     }
 }
 
+// A failure while a sample is built costs AIFF that second; the wave
+// readers advance only over a finished sample, so they hand it out again.
+TEST(AiffReader, AFailedSampleIsSkippedWhereTheWaveReadersRetryIt)
+{
+    VEK_REQUIRE_FAULT_INJECTION();
+#if VEK_FAULT_INJECTION
+    const Bytes aiff = Aiff({{"COMM", AiffCommon(2, 12000, 16, 8000)}, {"SSND", AiffSound(Pattern(48000))}});
+    const Bytes wav = Riff({{"fmt ", WaveFormat(1, 2, 8000, 16)}, {"data", Pattern(48000)}});
+    const auto afterFailure = [](CContainerReader* reader, const Bytes& file) {
+        CAudioSample* raw = nullptr;
+        FaultInjection::FailAllocation(1);
+        const int failed = reader->ReadAudioSample(0, raw);
+        FaultInjection::FailAllocation(0);
+        EXPECT_EQ(failed, RESULT_OUT_OF_MEMORY);
+        EXPECT_EQ(raw, nullptr);
+        const auto rest = ReadAllSamples(reader, file);
+        return rest.empty() ? 0 : rest[0].packets;
+    };
+    EXPECT_EQ(afterFailure(OpenReader<CAiffContainerReader>(aiff).reader, aiff), 4000);
+    EXPECT_EQ(afterFailure(OpenReader<CWavContainerReader>(wav).reader, wav), 8000);
+#endif
+}
+
 TEST(AiffReader, SurvivesEveryAllocationFailure)
 {
     VEK_REQUIRE_FAULT_INJECTION();
 #if VEK_FAULT_INJECTION
     const Bytes file = Aiff({{"COMM", AiffCommon(2, 12000, 16, 8000)}, {"SSND", AiffSound(Pattern(48000))}});
-    WalkAllocationFailures("AIFF open, index and read", [&] {
-        auto opened = OpenReader<CAiffContainerReader>(file);
-        if (opened.result == RESULT_OUT_OF_MEMORY)
-            return !opened.reader || opened.reader->GetAudioMediaCount() == 0;
-        if (opened.result < 0)
-            return false;
-        // A failure while building skips that second: the reader goes on.
-        int64_t frames = 0;
-        for (;;) {
-            CAudioSample* raw = nullptr;
-            const int result = opened.reader->ReadAudioSample(0, raw);
-            RObject<CAudioSample> sample(raw);
-            if (result < 0 && result != RESULT_OUT_OF_MEMORY)
-                return false;
-            if (result == RESULT_OK && !sample)
-                return frames <= 12000;
-            if (sample && opened.reader->ReadAudioData(0, sample.Get()) == RESULT_OK)
-                frames += sample->GetPackets();
-        }
-    });
+    WalkOpenIndexRead<CAiffContainerReader>("AIFF", file);
 #endif
 }
 

@@ -5,6 +5,7 @@
 // sample with its bytes fetched through ReadAudioData.
 #include <gtest/gtest.h>
 
+#include <support/AllocationWalk.h>
 #include <support/AudioFileBuilder.h>
 #include <vek/Vek.h>
 
@@ -97,5 +98,30 @@ inline void ExpectNoTrack(Quorvex::Vek::CContainerReader* reader)
     EXPECT_EQ(reader->ReadAudioSample(0, sample), RESULT_INDEX_OUT_OF_RANGE);
     EXPECT_EQ(sample, nullptr);
 }
+
+#if VEK_FAULT_INJECTION
+// Open, index, read and fetch every sample with each allocation failing in
+// turn: a run ends at the end of the data or at -19002, never elsewhere,
+// and a failed index leaves no track.
+template <typename Reader>
+void WalkOpenIndexRead(const std::string& name, const Bytes& file)
+{
+    using namespace Quorvex::Vek;
+    WalkAllocationFailures(name, [&] {
+        auto opened = OpenReader<Reader>(file);
+        if (opened.result < 0)
+            return opened.result == RESULT_OUT_OF_MEMORY && (!opened.reader || opened.reader->GetAudioMediaCount() == 0);
+        for (;;) {
+            CAudioSample* raw = nullptr;
+            int result = opened.reader->ReadAudioSample(0, raw);
+            RObject<CAudioSample> sample(raw);
+            if (result >= 0 && sample)
+                result = opened.reader->ReadAudioData(0, sample.Get());
+            if (result < 0 || !sample)
+                return result == RESULT_OK || result == RESULT_OUT_OF_MEMORY;
+        }
+    });
+}
+#endif
 
 } // namespace VekTest

@@ -1,6 +1,5 @@
 #include "AudioReaderHarness.h"
 
-#include "support/AllocationWalk.h"
 #include "support/LogCapture.h"
 
 using namespace Quorvex::Vek;
@@ -137,23 +136,7 @@ TEST(Wav64Reader, SurvivesEveryAllocationFailure)
     ByteWriter bext;
     bext.Field("walk", 256).Zeros(602 - 256).Text("history");
     const Bytes file = Wave64({{"bext", bext.Get()}, {"fmt ", WaveFormat(1, 2, 8000, 16)}, {"data", Pattern(48000)}});
-    WalkAllocationFailures("Wave64 open, index and read", [&] {
-        auto opened = OpenReader<CWav64ContainerReader>(file);
-        if (opened.result == RESULT_OUT_OF_MEMORY)
-            return !opened.reader || opened.reader->GetAudioMediaCount() == 0;
-        if (opened.result < 0)
-            return false;
-        for (;;) {
-            CAudioSample* raw = nullptr;
-            const int result = opened.reader->ReadAudioSample(0, raw);
-            RObject<CAudioSample> sample(raw);
-            if (result < 0 || !sample)
-                return result == RESULT_OK || result == RESULT_OUT_OF_MEMORY;
-            const int fetched = opened.reader->ReadAudioData(0, sample.Get());
-            if (fetched < 0)
-                return fetched == RESULT_OUT_OF_MEMORY;
-        }
-    });
+    WalkOpenIndexRead<CWav64ContainerReader>("Wave64", file);
 #endif
 }
 

@@ -1,6 +1,5 @@
 #include "AudioReaderHarness.h"
 
-#include "support/AllocationWalk.h"
 #include "support/LogCapture.h"
 
 #include <atomic>
@@ -394,27 +393,8 @@ TEST(WavReader, SurvivesEveryAllocationFailure)
     ByteWriter frames;
     frames.Append(MpegFrame(false)).Text("xx").Append(MpegFrame(true));
     const Bytes mpeg = Riff({{"fmt ", mpegFmt.Get()}, {"data", frames.Get()}});
-    for (const Bytes* file : {&pcm, &mpeg}) {
-        WalkAllocationFailures("WAV open, index and read", [&] {
-            auto opened = OpenReader<CWavContainerReader>(*file);
-            if (opened.result == RESULT_OUT_OF_MEMORY)
-                return !opened.reader || opened.reader->GetAudioMediaCount() == 0;
-            if (opened.result < 0)
-                return false;
-            for (;;) {
-                CAudioSample* raw = nullptr;
-                const int result = opened.reader->ReadAudioSample(0, raw);
-                RObject<CAudioSample> sample(raw);
-                if (result < 0)
-                    return result == RESULT_OUT_OF_MEMORY;
-                if (!sample)
-                    return true;
-                const int fetched = opened.reader->ReadAudioData(0, sample.Get());
-                if (fetched < 0)
-                    return fetched == RESULT_OUT_OF_MEMORY;
-            }
-        });
-    }
+    WalkOpenIndexRead<CWavContainerReader>("WAV PCM", pcm);
+    WalkOpenIndexRead<CWavContainerReader>("WAV MPEG", mpeg);
 #endif
 }
 
