@@ -7,6 +7,9 @@ const std::vector<Command>& Commands()
     static const std::vector<Command> commands = {
         {"timecode", RunTimecode},
         {"formats", RunFormats},
+        {"probe", RunProbe},
+        {"samples", RunSamples},
+        {"index", RunIndex},
     };
     return commands;
 }

@@ -19,5 +19,8 @@ const std::vector<Command>& Commands();
 
 int RunTimecode(int argc, char** argv);
 int RunFormats(int argc, char** argv);
+int RunProbe(int argc, char** argv);
+int RunSamples(int argc, char** argv);
+int RunIndex(int argc, char** argv);
 
 } // namespace VekTool

@@ -1,6 +1,8 @@
 // vek formats: lists the exported format codes of every family, with their
 // display names and canonical roots, as text for people or JSON for tools.
 #include "Commands.h"
+#include "Json.h"
+#include "MediaText.h"
 
 #include <vek/media/Media.h>
 
@@ -50,30 +52,6 @@ void PrintUsage(std::FILE* out)
                out);
 }
 
-bool IsPrintable(uint32_t code)
-{
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        unsigned c = (code >> shift) & 0xFF;
-        if (c < 0x20 || c > 0x7E)
-            return false;
-    }
-    return true;
-}
-
-// The four characters of a printable code, or "0x%08X".
-std::string CodeText(uint32_t code)
-{
-    if (!IsPrintable(code)) {
-        char hex[16];
-        std::snprintf(hex, sizeof hex, "0x%08X", static_cast<unsigned>(code));
-        return hex;
-    }
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += static_cast<char>((code >> shift) & 0xFF);
-    return text;
-}
-
 // Printable codes are quoted so that padding blanks stay visible.
 std::string QuotedCodeText(uint32_t code)
 {
@@ -83,27 +61,6 @@ std::string QuotedCodeText(uint32_t code)
     quoted += CodeText(code);
     quoted += '\'';
     return quoted;
-}
-
-std::string JsonString(const char* text)
-{
-    if (!text)
-        return "null";
-    std::string out = "\"";
-    for (const char* p = text; *p; ++p) {
-        unsigned char c = static_cast<unsigned char>(*p);
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += static_cast<char>(c);
-        } else if (c < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04X", c);
-            out += escaped;
-        } else {
-            out += static_cast<char>(c);
-        }
-    }
-    return out + "\"";
 }
 
 const char* NameOf(const FormatFamily& family, uint32_t code)

@@ -1,0 +1,130 @@
+// vek index: indexes a file on the library's background index thread, with
+// a progress bar on a terminal, and reports the outcome per track.
+#include "Commands.h"
+#include "Json.h"
+#include "MediaSource.h"
+#include "Terminal.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+#include <vek/containers/CIndexer.h>
+
+using namespace Quorvex::Vek;
+
+namespace VekTool {
+
+namespace {
+
+void PrintUsage(std::FILE* out)
+{
+    std::fputs("usage: vek index [--json] [--quiet] FILE|URI\n"
+               "\n"
+               "Indexes a file on a background thread (a progress bar is drawn when\n"
+               "standard error is a terminal) and prints the index state, the duration and\n"
+               "the number of samples of each track.\n"
+               "\n"
+               "  --json    print one JSON object\n"
+               "  --quiet   no progress bar\n"
+               "  --help    show this text\n"
+               "\n"
+               "exit codes: 0 indexed, 1 unreadable, unrecognised or failed file, 2 bad command line\n",
+               out);
+}
+
+int OnProgress(void* context, unsigned int, double progress)
+{
+    static_cast<ProgressBar*>(context)->Show(progress);
+    return 0;
+}
+
+std::string StateText(unsigned int state)
+{
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        text += static_cast<char>((state >> shift) & 0xFF);
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
+
+} // namespace
+
+int RunIndex(int argc, char** argv)
+{
+    bool json = false;
+    bool quiet = false;
+    const char* file = nullptr;
+    for (int i = 0; i < argc; ++i) {
+        const char* arg = argv[i];
+        if (!std::strcmp(arg, "--help") || !std::strcmp(arg, "-h")) {
+            PrintUsage(stdout);
+            return kExitOk;
+        }
+        if (!std::strcmp(arg, "--json")) {
+            json = true;
+        } else if (!std::strcmp(arg, "--quiet")) {
+            quiet = true;
+        } else if ((arg[0] == '-' && arg[1] != 0) || file) {
+            std::fprintf(stderr, file ? "vek index: give one file\n\n" : "vek index: unknown option '%s'\n\n", arg);
+            PrintUsage(stderr);
+            return kExitUsage;
+        } else {
+            file = arg;
+        }
+    }
+    if (!file) {
+        PrintUsage(stderr);
+        return kExitUsage;
+    }
+    MediaSource source;
+    const int status = OpenMediaSource("index", file, source);
+    if (status != kExitOk)
+        return status;
+    RObject<CIndexer> indexer(CIndexer::Create(source.reader));
+    if (!indexer)
+        return ReportIndexFailure("index", source, RESULT_OUT_OF_MEMORY);
+    ProgressBar bar(stderr, "indexing");
+    if (!quiet && IsTerminal(stderr))
+        indexer->SetProgressCallback(OnProgress, &bar);
+    const auto start = std::chrono::steady_clock::now();
+    const int begun = indexer->Begin(true);
+    if (begun < 0)
+        return ReportIndexFailure("index", source, begun);
+    while (!indexer->WaitForIndex(200)) {
+    }
+    indexer->End();
+    bar.Finish();
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const unsigned int state = indexer->GetState();
+    const int32_t tracks = indexer->GetAudioMediaCount();
+    if (json) {
+        std::printf("{\n  \"filename\": %s,\n  \"state\": %s,\n  \"duration\": %.6f,\n  \"index_seconds\": %.6f,\n"
+                    "  \"tracks\": [",
+                    JsonString(source.path).c_str(), JsonString(StateText(state)).c_str(), indexer->GetDuration(),
+                    seconds);
+        for (int32_t track = 0; track < tracks; ++track) {
+            CMediaIndexer* index = indexer->GetAudioIndexer(track);
+            std::printf("%s\n    {\"track\": %d, \"type\": \"audio\", \"samples\": %lld, \"duration\": %.6f, "
+                        "\"bit_rate\": %lld}",
+                        track ? "," : "", track, static_cast<long long>(index ? index->GetSampleCount() : 0),
+                        index ? index->GetDurationInSeconds() : 0.0,
+                        static_cast<long long>(index ? index->GetBitRate() : 0));
+        }
+        std::printf("%s]\n}\n", tracks ? "\n  " : "");
+    } else {
+        std::printf("file:     %s\nstate:    %s\nduration: %.6f s\nindexed in %.3f s\n", source.path.c_str(),
+                    StateText(state).c_str(), indexer->GetDuration(), seconds);
+        for (int32_t track = 0; track < tracks; ++track) {
+            CMediaIndexer* index = indexer->GetAudioIndexer(track);
+            std::printf("track %d: audio, %lld samples, %.6f s, %lld bit/s\n", track,
+                        static_cast<long long>(index ? index->GetSampleCount() : 0),
+                        index ? index->GetDurationInSeconds() : 0.0,
+                        static_cast<long long>(index ? index->GetBitRate() : 0));
+        }
+    }
+    return state == CIndexer::Complete ? kExitOk : kExitFailure;
+}
+
+} // namespace VekTool

@@ -1,0 +1,229 @@
+// vek probe: what a media file is: its container format, duration and size,
+// its container facts (broadcast-wave text, UMID, time reference ...) and
+// every track with its properties and sample count, as text for people or
+// one JSON object for scripts.
+#include "Commands.h"
+#include "Json.h"
+#include "MediaSource.h"
+#include "MediaText.h"
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <vek/containers/CIndexer.h>
+#include <vek/media/AudioFormat.h>
+#include <vek/media/AudioProperty.h>
+
+using namespace Quorvex::Vek;
+
+namespace VekTool {
+
+namespace {
+
+void PrintUsage(std::FILE* out)
+{
+    std::fputs("usage: vek probe [--json] FILE|URI\n"
+               "\n"
+               "Recognises the container of a file (a path or a file:// URI), indexes it\n"
+               "and prints its format, duration, container facts and every track with its\n"
+               "properties and sample count.\n"
+               "\n"
+               "  --json   print one JSON object: a \"format\" section and a \"tracks\" array\n"
+               "  --help   show this text\n"
+               "\n"
+               "exit codes: 0 probed, 1 unreadable or unrecognised file, 2 bad command line\n",
+               out);
+}
+
+// One audio track's facts, in the order they are printed.
+struct AudioFacts {
+    uint32_t format = 0;
+    int32_t sampleRate = 0;
+    int32_t channels = 0;
+    int32_t bitsPerSample = 0;
+    int32_t bytesPerFrame = 0;
+    int32_t framesPerPacket = 0;
+    int32_t bytesPerPacket = 0;
+    int64_t bitRate = 0;
+    int64_t frames = 0;
+    int64_t samples = 0;
+    double seconds = 0;
+    std::vector<uint32_t> positions; // empty when the file gives none
+    std::vector<std::pair<std::string, double>> loudness;
+};
+
+struct ProbeFacts {
+    std::string formatName;
+    uint32_t formatCode = 0;
+    double seconds = 0;
+    std::vector<std::pair<std::string, std::string>> tags;
+    std::vector<AudioFacts> audio;
+};
+
+AudioFacts DescribeAudio(CAudioProperties* properties, CMediaIndexer* index)
+{
+    AudioFacts facts;
+    facts.format = properties->GetFormat();
+    facts.sampleRate = properties->GetSampleRate();
+    facts.channels = properties->GetChannels();
+    facts.bitsPerSample = properties->GetBitsPerSample();
+    facts.bytesPerFrame = properties->GetBytesPerFrame();
+    facts.framesPerPacket = properties->GetFramesPerPacket();
+    facts.bytesPerPacket = properties->GetBytesPerPacket();
+    facts.bitRate = properties->GetBitRate();
+    facts.frames = properties->GetDuration();
+    facts.seconds = facts.sampleRate > 0 ? double(facts.frames) / facts.sampleRate : 0;
+    facts.samples = index ? index->GetSampleCount() : 0;
+    for (int32_t channel = 0; channel < facts.channels && channel < CAudioProperties::MaxChannels; ++channel) {
+        uint32_t position = 0;
+        properties->GetSpeakerPosition(channel, position);
+        facts.positions.push_back(position);
+    }
+    bool anyPosition = false;
+    for (uint32_t position : facts.positions)
+        anyPosition |= position != 0;
+    if (!anyPosition)
+        facts.positions.clear();
+    facts.loudness = LoudnessValues(properties);
+    return facts;
+}
+
+// Reads the file's facts; kExitOk or kExitFailure after a message.
+int Probe(MediaSource& source, ProbeFacts& facts)
+{
+    CContainerReader* reader = source.reader;
+    RObject<CIndexer> indexer(CIndexer::Create(reader));
+    if (!indexer)
+        return ReportIndexFailure("probe", source, RESULT_OUT_OF_MEMORY);
+    // Headers first, then the pass on this thread: it counts the samples.
+    int result = indexer->Begin(false);
+    if (result >= 0)
+        result = indexer->RunIndexPass();
+    if (result < 0)
+        return ReportIndexFailure("probe", source, result);
+    facts.formatName = reader->GetFormatName();
+    facts.tags = ContainerTags(reader);
+    facts.seconds = indexer->GetDuration();
+    const int32_t tracks = reader->GetAudioMediaCount();
+    for (int32_t track = 0; track < tracks; ++track) {
+        CAudioProperties* properties = reader->GetAudioProperties(track);
+        if (properties)
+            facts.audio.push_back(DescribeAudio(properties, indexer->GetAudioIndexer(track)));
+    }
+    return kExitOk;
+}
+
+void PrintText(const MediaSource& source, const ProbeFacts& facts)
+{
+    std::printf("file:      %s\n", source.path.c_str());
+    std::printf("format:    %s\n", facts.formatName.c_str());
+    std::printf("size:      %lld bytes\n", static_cast<long long>(source.size));
+    std::printf("duration:  %s (%.6f s)\n", ClockText(facts.seconds).c_str(), facts.seconds);
+    std::printf("tracks:    %zu\n", facts.audio.size());
+    for (const auto& [key, value] : facts.tags)
+        std::printf("  %-32s %s\n", key.c_str(), value.c_str());
+    for (size_t i = 0; i < facts.audio.size(); ++i) {
+        const AudioFacts& a = facts.audio[i];
+        std::printf("track %zu: audio, %s ('%s')\n", i, FormatName(a.format).c_str(), CodeText(a.format).c_str());
+        std::printf("  sample rate:       %d Hz\n", a.sampleRate);
+        std::printf("  channels:          %d%s%s\n", a.channels, a.positions.empty() ? "" : " ",
+                    a.positions.empty() ? "" : PositionsText(a.positions).c_str());
+        std::printf("  bits per sample:   %d\n", a.bitsPerSample);
+        std::printf("  bytes per frame:   %d\n", a.bytesPerFrame);
+        std::printf("  frames per packet: %d\n", a.framesPerPacket);
+        std::printf("  bytes per packet:  %d\n", a.bytesPerPacket);
+        std::printf("  bit rate:          %lld bit/s\n", static_cast<long long>(a.bitRate));
+        std::printf("  frames:            %lld\n", static_cast<long long>(a.frames));
+        std::printf("  duration:          %.6f s\n", a.seconds);
+        std::printf("  samples:           %lld\n", static_cast<long long>(a.samples));
+        for (const auto& [key, value] : a.loudness)
+            std::printf("  %-18s %.2f\n", (key + ":").c_str(), value);
+    }
+}
+
+void PrintJson(const MediaSource& source, const ProbeFacts& facts)
+{
+    std::printf("{\n  \"format\": {\n");
+    std::printf("    \"filename\": %s,\n", JsonString(source.path).c_str());
+    std::printf("    \"format_name\": %s,\n", JsonString(facts.formatName).c_str());
+    std::printf("    \"size\": %lld,\n", static_cast<long long>(source.size));
+    std::printf("    \"duration\": %.6f,\n", facts.seconds);
+    std::printf("    \"nb_tracks\": %zu,\n", facts.audio.size());
+    std::printf("    \"tags\": {");
+    for (size_t i = 0; i < facts.tags.size(); ++i)
+        std::printf("%s\n      %s: %s", i ? "," : "", JsonString(facts.tags[i].first).c_str(),
+                    JsonString(facts.tags[i].second).c_str());
+    std::printf("%s}\n  },\n  \"tracks\": [", facts.tags.empty() ? "" : "\n    ");
+    for (size_t i = 0; i < facts.audio.size(); ++i) {
+        const AudioFacts& a = facts.audio[i];
+        std::printf("%s\n    {\n", i ? "," : "");
+        std::printf("      \"index\": %zu,\n      \"type\": \"audio\",\n", i);
+        std::printf("      \"codec\": %s,\n", JsonString(FormatName(a.format)).c_str());
+        std::printf("      \"codec_tag\": %s,\n", JsonString(CodeText(a.format)).c_str());
+        std::printf("      \"sample_rate\": %d,\n      \"channels\": %d,\n", a.sampleRate, a.channels);
+        std::printf("      \"channel_positions\": [");
+        for (size_t p = 0; p < a.positions.size(); ++p)
+            std::printf("%s%s", p ? ", " : "", JsonString(PositionName(a.positions[p])).c_str());
+        std::printf("],\n");
+        std::printf("      \"bits_per_sample\": %d,\n      \"bytes_per_frame\": %d,\n", a.bitsPerSample,
+                    a.bytesPerFrame);
+        std::printf("      \"frames_per_packet\": %d,\n      \"bytes_per_packet\": %d,\n", a.framesPerPacket,
+                    a.bytesPerPacket);
+        std::printf("      \"bit_rate\": %lld,\n", static_cast<long long>(a.bitRate));
+        std::printf("      \"frames\": %lld,\n      \"duration\": %.6f,\n", static_cast<long long>(a.frames),
+                    a.seconds);
+        std::printf("      \"samples\": %lld", static_cast<long long>(a.samples));
+        for (const auto& [key, value] : a.loudness)
+            std::printf(",\n      %s: %.2f", JsonString(key).c_str(), value);
+        std::printf("\n    }");
+    }
+    std::printf("%s]\n}\n", facts.audio.empty() ? "" : "\n  ");
+}
+
+} // namespace
+
+int RunProbe(int argc, char** argv)
+{
+    bool json = false;
+    const char* file = nullptr;
+    for (int i = 0; i < argc; ++i) {
+        const char* arg = argv[i];
+        if (!std::strcmp(arg, "--help") || !std::strcmp(arg, "-h")) {
+            PrintUsage(stdout);
+            return kExitOk;
+        }
+        if (!std::strcmp(arg, "--json")) {
+            json = true;
+        } else if (arg[0] == '-' && arg[1] != 0) {
+            std::fprintf(stderr, "vek probe: unknown option '%s'\n\n", arg);
+            PrintUsage(stderr);
+            return kExitUsage;
+        } else if (file) {
+            std::fputs("vek probe: give one file\n\n", stderr);
+            PrintUsage(stderr);
+            return kExitUsage;
+        } else {
+            file = arg;
+        }
+    }
+    if (!file) {
+        PrintUsage(stderr);
+        return kExitUsage;
+    }
+    MediaSource source;
+    int status = OpenMediaSource("probe", file, source);
+    ProbeFacts facts;
+    if (status == kExitOk)
+        status = Probe(source, facts);
+    if (status != kExitOk)
+        return status;
+    if (json)
+        PrintJson(source, facts);
+    else
+        PrintText(source, facts);
+    return kExitOk;
+}
+
+} // namespace VekTool
