@@ -118,8 +118,13 @@ std::vector<std::pair<std::string, std::string>> ContainerTags(CContainer* conta
     const int32_t count = container->GetPropertyCount();
     for (int32_t i = 0; i < count; ++i) {
         CString* key = container->GetPropertyName(i);
-        if (key)
-            tags.emplace_back(key->GetChars(), BagValueText(container, key->GetChars()));
+        if (!key)
+            continue;
+        std::string value = BagValueText(container, key->GetChars());
+        // Coding histories end their lines with CR LF, the last one too.
+        while (!value.empty() && (value.back() == '\n' || value.back() == '\r'))
+            value.pop_back();
+        tags.emplace_back(key->GetChars(), value);
     }
     return tags;
 }

@@ -115,6 +115,20 @@ int Probe(MediaSource& source, ProbeFacts& facts)
     return kExitOk;
 }
 
+// Continuation lines of a multi-line value line up under its first line.
+std::string IndentLines(const std::string& value)
+{
+    std::string text;
+    for (char c : value) {
+        if (c == '\r')
+            continue;
+        text += c;
+        if (c == '\n')
+            text.append(35, ' ');
+    }
+    return text;
+}
+
 void PrintText(const MediaSource& source, const ProbeFacts& facts)
 {
     std::printf("file:      %s\n", source.path.c_str());
@@ -123,7 +137,7 @@ void PrintText(const MediaSource& source, const ProbeFacts& facts)
     std::printf("duration:  %s (%.6f s)\n", ClockText(facts.seconds).c_str(), facts.seconds);
     std::printf("tracks:    %zu\n", facts.audio.size());
     for (const auto& [key, value] : facts.tags)
-        std::printf("  %-32s %s\n", key.c_str(), value.c_str());
+        std::printf("  %-32s %s\n", key.c_str(), IndentLines(value).c_str());
     for (size_t i = 0; i < facts.audio.size(); ++i) {
         const AudioFacts& a = facts.audio[i];
         std::printf("track %zu: audio, %s ('%s')\n", i, FormatName(a.format).c_str(), CodeText(a.format).c_str());
@@ -139,7 +153,7 @@ void PrintText(const MediaSource& source, const ProbeFacts& facts)
         std::printf("  duration:          %.6f s\n", a.seconds);
         std::printf("  samples:           %lld\n", static_cast<long long>(a.samples));
         for (const auto& [key, value] : a.loudness)
-            std::printf("  %-18s %.2f\n", (key + ":").c_str(), value);
+            std::printf("  %-32s %.2f\n", key.c_str(), value);
     }
 }
 

@@ -61,6 +61,7 @@ const IProperties::Accessor CContainer::Accessors[] = {
     {ContainerProperty::WavOriginationTime, "Origination Time", &IProperties::GetString, TXT},
     {ContainerProperty::WavUmid, "UMID", &CContainer::GetWavUmid, TXT},
     {ContainerProperty::WavCodingHistory, "Coding History", &IProperties::GetString, TXT},
+    {"wav.bext.time_reference", "Time Reference", &CContainer::GetWavTimeReference, TXT},
     {nullptr, nullptr, nullptr, 0},
 };
 
@@ -120,6 +121,18 @@ int CContainer::GetWavUmid(IProperties* bag, const char* key, CString** out)
     if (result < 0)
         return result;
     return Emit(HexText(umid, 64, 0), out);
+}
+
+int CContainer::GetWavTimeReference(IProperties* bag, const char* key, CString** out)
+{
+    unsigned char bytes[8];
+    const int result = ReadExact(bag, key, 8, bytes);
+    if (result < 0)
+        return result;
+    uint64_t samples = 0;
+    for (int i = 7; i >= 0; --i)
+        samples = samples << 8 | bytes[i];
+    return Emit(CString::WithFormat("%llu", static_cast<unsigned long long>(samples)), out);
 }
 
 const char* CContainer::GetFormatName()

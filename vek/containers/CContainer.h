@@ -41,6 +41,9 @@ public:
     static int GetMovTimeCodeMode(IProperties* bag, const char* key, CString** out);
     static int GetMxfDataContainer(IProperties* bag, const char* key, CString** out);
     static int GetWavUmid(IProperties* bag, const char* key, CString** out);
+    // The broadcast-wave time reference (samples since midnight, 8 bytes
+    // little-endian) as a decimal number.
+    static int GetWavTimeReference(IProperties* bag, const char* key, CString** out);
 
     // Virtual members in this order, then CContainerReader's.
     // A short static name of the format ("WAV", "AIFF" ...); never null.
