@@ -79,10 +79,19 @@ public:
     static void operator delete(void* p, const Fallible&) noexcept;
 
     // Scope guard: Enter on construction, Exit on destruction (null-safe).
-    class VEK_API CAutoLock {
+    // Inline, so a guard costs the one virtual call of each of the two.
+    class CAutoLock {
     public:
-        explicit CAutoLock(CObject* object);
-        ~CAutoLock();
+        explicit CAutoLock(CObject* object) : m_object(object)
+        {
+            if (m_object)
+                m_object->Enter();
+        }
+        ~CAutoLock()
+        {
+            if (m_object)
+                m_object->Exit();
+        }
         CAutoLock(const CAutoLock&) = delete;
         CAutoLock& operator=(const CAutoLock&) = delete;
 
@@ -106,6 +115,9 @@ private:
     void ReleaseLast() const;
     virtual void Synchronize();
     CLock* Monitor();
+    // Enter and Exit of an object whose monitor is not made yet.
+    int EnterFirst();
+    int ExitFirst();
     void Destroy() const;
 
     uint32_t m_type;
