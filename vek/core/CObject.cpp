@@ -42,7 +42,8 @@ CObject::~CObject()
 {
     if (CLeaks::IsTracking())
         CLeaks::DestroyObject(this);
-    delete m_monitor.exchange(nullptr, std::memory_order_acq_rel);
+    // Nobody else can reach a dying object: a plain load, not an exchange.
+    delete m_monitor.load(std::memory_order_acquire);
 }
 
 CObject* CObject::CreateForLock()
