@@ -59,23 +59,21 @@ void CObject::ReleaseLast() const
         Destroy();
         return;
     }
-    // Resurrect for the hook: it runs under the object's own monitor so it
-    // never overlaps another holder of that lock.
+    // Resurrect for the hook. At zero no one else holds a reference, so a
+    // store does; the hook either keeps this reference or hands the object
+    // back to be destroyed.
     auto* self = const_cast<CObject*>(this);
-    m_count.fetch_add(1, std::memory_order_relaxed);
-    self->Enter();
-    m_reclaim(self);
-    const int32_t before = m_count.fetch_sub(1, std::memory_order_acq_rel);
-    self->Exit();
-    if (before > 1) {
-        // The hook kept a reference (the pool's Acquire, which the tracker
-        // saw): count the release that handed the object back, or a pooled
-        // object would look like an unmatched acquire in the leak report.
-        if (CLeaks::IsTracking())
-            CLeaks::ReleaseObject(this);
-        return;
-    }
-    Destroy();
+    m_count.store(1, std::memory_order_relaxed);
+    // The hook runs under the object's own monitor so it never overlaps
+    // another holder of that lock. Without a monitor nobody can hold it.
+    CLock* monitor = m_monitor.load(std::memory_order_acquire);
+    if (monitor)
+        monitor->Enter();
+    const bool kept = m_reclaim(self);
+    if (monitor)
+        monitor->Exit(); // kept: the keeper may hand the object on, but a new holder waits for this Exit
+    if (!kept)
+        Destroy();
 }
 
 void CObject::Destroy() const

@@ -26,7 +26,10 @@ class CLock;
 
 class VEK_API CObject {
 public:
-    using ReclaimHook = void (*)(CObject*);
+    // Called when the count reaches zero, with the object holding one
+    // reference again: true when the hook kept the object (that reference
+    // is now the keeper's), false to have it destroyed.
+    using ReclaimHook = bool (*)(CObject*);
 
     // A bare object (type 0) whose monitor exists at once, for use as a
     // free-standing lock.
