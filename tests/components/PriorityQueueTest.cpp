@@ -9,6 +9,7 @@
 #include <limits>
 #include <queue>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "components/TestComponents.h"
@@ -48,44 +49,30 @@ int EnqueueNew(Queue* queue, uint64_t priority)
 
 } // namespace
 
-TEST(Priority, CompareOrdersNullBelowEverything)
+TEST(PriorityQueue, TiesComeOutInTheOrderOfTheHeapLayout)
 {
-    RObject<Entry> zero(new Entry(0, nullptr));
-    RObject<Entry> one(new Entry(1, nullptr));
-    RObject<Entry> top(new Entry(std::numeric_limits<uint64_t>::max(), nullptr));
+    // Ranking components relies on the order the layout (children 2i and
+    // 2i+1, root 0 with the one child 1) gives equal priorities; neither the
+    // usual 0-based layout nor an insertion-order tie-break gives these.
     struct Case {
-        const Entry* a;
-        const Entry* b;
-        int expected;
+        std::vector<uint64_t> priorities; // of items A, B, C, ... in order
+        const char* order;
     };
     const Case cases[] = {
-        {nullptr, nullptr, 0}, {nullptr, zero, -1}, {zero, nullptr, 1}, {zero, one, -1},
-        {one, zero, 1},        {top, top, 0},       {one, top, -1},
+        {{1, 2, 2, 3}, "DCBA"},          // 0-based layout and FIFO: DBCA
+        {{5, 5, 5, 5}, "ADCB"},          // FIFO: ABCD
+        {{2, 1, 2, 1, 2, 1, 2}, "ACEGFDB"}, // 0-based: AGECDBF, FIFO: ACEGBDF
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(Entry::Compare(c.a, c.b), c.expected)
-            << (c.a ? int64_t(c.a->GetPriority()) : -1) << " vs " << (c.b ? int64_t(c.b->GetPriority()) : -1);
-}
-
-TEST(PriorityQueue, DequeuesGreatestFirst)
-{
-    const std::vector<std::vector<uint64_t>> cases = {
-        {1, 3, 2},
-        {},
-        {7},
-        {2, 2, 1, 2},
-        {0, std::numeric_limits<uint64_t>::max(), 1, 1ull << 63},
-        {9, 8, 7, 6, 5, 4, 3, 2, 1},
-        {1, 2, 3, 4, 5, 6, 7, 8, 9},
-    };
-    for (const auto& priorities : cases) {
+    for (const Case& c : cases) {
         RObject<Queue> queue(new Queue(1));
-        for (uint64_t p : priorities)
-            ASSERT_EQ(EnqueueNew(queue, p), RESULT_OK);
-        std::vector<uint64_t> expected = priorities;
-        std::sort(expected.begin(), expected.end(), std::greater<>());
-        EXPECT_EQ(Drain(queue), expected);
-        EXPECT_TRUE(queue->IsEmpty());
+        for (size_t i = 0; i < c.priorities.size(); ++i) {
+            RObject<Token> item(new Token(int(i)));
+            ASSERT_EQ(queue->Enqueue(c.priorities[i], item), RESULT_OK);
+        }
+        std::string order;
+        while (RObject<Token> item{queue->Dequeue()})
+            order += char('A' + item->number);
+        EXPECT_EQ(order, c.order);
     }
 }
 
@@ -140,8 +127,15 @@ TEST(PriorityQueue, RootAndDequeueWithoutPriority)
     EXPECT_EQ(low->GetReferenceCount(), 2);
     ASSERT_NE(queue->GetRoot(), nullptr);
     EXPECT_EQ(queue->GetRoot()->GetItem(), high.Get());
+    // An entry someone keeps must keep its item when dequeued: the item's
+    // reference is shared then, not moved out of the entry.
+    RObject<Entry> kept = RObject<Entry>::FromObject(queue->GetRoot());
     RObject<Token> first(queue->Dequeue());
     EXPECT_EQ(first.Get(), high.Get());
+    EXPECT_EQ(kept->GetItem(), high.Get());
+    EXPECT_EQ(high->GetReferenceCount(), 3); // ours, first's, the kept entry's
+    kept = nullptr;
+    EXPECT_EQ(high->GetReferenceCount(), 2);
     EXPECT_EQ(queue->GetCount(), 1);
 }
 

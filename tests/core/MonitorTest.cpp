@@ -113,6 +113,81 @@ TEST(Monitor, WaitReleasesEveryLevelAndRestoresIt)
     probe->Exit();
 }
 
+TEST(Monitor, WaitComesBackAtTheDepthItLeft)
+{
+    // After a wait at depth 3 the owner must still need three exits: a wait
+    // that came back at depth 1 would free the lock at the first one.
+    CLock lock;
+    lock.Enter();
+    lock.Enter();
+    lock.Enter();
+    EXPECT_FALSE(lock.Wait(1));
+    auto otherGetsIn = [&] {
+        bool in = false;
+        std::thread other([&] {
+            in = lock.TryEnter();
+            if (in)
+                lock.Exit();
+        });
+        other.join();
+        return in;
+    };
+    for (int exits = 1; exits <= 3; ++exits) {
+        lock.Exit();
+        EXPECT_EQ(otherGetsIn(), exits == 3) << "after " << exits << " of 3 exits";
+    }
+}
+
+TEST(Monitor, CallsByANonHolderChangeNothing)
+{
+    CLock lock;
+    lock.Enter();
+    bool waited = true;
+    std::thread stranger([&] {
+        lock.Exit();                // must not release the owner's lock
+        waited = lock.Wait(10000);  // must refuse at once, not sleep
+    });
+    stranger.join();
+    EXPECT_FALSE(waited);
+    bool otherGotIn = true;
+    std::thread other([&] { otherGotIn = lock.TryEnter(); });
+    other.join();
+    EXPECT_FALSE(otherGotIn) << "a stranger's Exit released the lock";
+    lock.Exit();
+}
+
+TEST(Monitor, NotifyAllWakesEveryWaiter)
+{
+    RObject<Probe> probe(new Probe());
+    int waiting = 0;
+    bool go = false;
+    std::atomic<int> woken{0};
+    std::vector<std::thread> waiters;
+    for (int i = 0; i < kThreads; ++i) {
+        waiters.emplace_back([&] {
+            CObject::CAutoLock guard(probe);
+            ++waiting;
+            // No polling: a waiter the notify missed stays asleep until the
+            // limit and is not counted.
+            while (!go)
+                if (!probe->Wait(int32_t(kNotifyLimit.count() * 1000)))
+                    return;
+            ++woken;
+        });
+    }
+    for (bool sent = false; !sent; std::this_thread::yield()) {
+        CObject::CAutoLock guard(probe);
+        if (waiting == kThreads) { // each waiter holds no lock: it is inside Wait
+            go = true;
+            probe->NotifyAll();
+            sent = true;
+        }
+    }
+    for (auto& t : waiters)
+        t.join();
+    EXPECT_EQ(woken, kThreads);
+}
+
 TEST(Monitor, ProducerConsumerHandsOverEveryItem)
 {
     RObject<Probe> queueLock(new Probe());

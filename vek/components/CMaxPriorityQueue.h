@@ -12,20 +12,14 @@ class CMaxPriorityQueue : public CPriorityQueue<P, T> {
 public:
     enum : uint32_t { Type = Four("maxq") };
 
-    explicit CMaxPriorityQueue(int32_t capacity)
-        : CPriorityQueue<P, T>(capacity, &CPriority<P, T>::Compare, Type)
-    {
-    }
+    explicit CMaxPriorityQueue(int32_t capacity) : CPriorityQueue<P, T>(capacity, Type) {}
 
     // A new queue, or null without memory.
     static CMaxPriorityQueue* Create(int32_t capacity) { return new (fallible) CMaxPriorityQueue(capacity); }
 
 protected:
     // Lets a derived queue set a lower capacity limit than CHeap::MaxCapacity.
-    CMaxPriorityQueue(int32_t capacity, int32_t limit)
-        : CPriorityQueue<P, T>(capacity, &CPriority<P, T>::Compare, limit, Type)
-    {
-    }
+    CMaxPriorityQueue(int32_t capacity, int32_t limit) : CPriorityQueue<P, T>(capacity, limit, Type) {}
     ~CMaxPriorityQueue() override = default;
 };
 

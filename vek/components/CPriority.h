@@ -23,6 +23,12 @@ public:
     // Borrowed: valid while this entry lives.
     T* GetItem() const { return m_item; }
 
+    // The heap key of a queue whose root is the greatest priority: heaps
+    // keep it beside the entry and compare it without reading the entry.
+    struct ByPriority {
+        static P Get(const CPriority& entry) { return entry.m_priority; }
+    };
+
     // Orders entries for a heap: 1 when `a` is greater, -1 when smaller,
     // 0 when equal. A null entry is smaller than any entry and equal to
     // another null, so a heap may hold nulls without dereferencing them.
@@ -43,6 +49,19 @@ protected:
         if (m_item)
             m_item->Release();
     }
+
+    // Hands the entry's reference to the item out (the entry keeps null).
+    // Only for the holder of the entry's one reference, about to drop it:
+    // the reference moves instead of an Acquire here and a Release there.
+    T* TakeItem()
+    {
+        T* item = m_item;
+        m_item = nullptr;
+        return item;
+    }
+
+    template <typename, typename, typename>
+    friend class CPriorityQueue;
 
 private:
     P m_priority;

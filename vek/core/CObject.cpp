@@ -42,7 +42,8 @@ CObject::~CObject()
 {
     if (CLeaks::IsTracking())
         CLeaks::DestroyObject(this);
-    delete m_monitor.exchange(nullptr, std::memory_order_acq_rel);
+    // Nobody else can reach a dying object: a plain load, not an exchange.
+    delete m_monitor.load(std::memory_order_acquire);
 }
 
 CObject* CObject::CreateForLock()
@@ -58,23 +59,21 @@ void CObject::ReleaseLast() const
         Destroy();
         return;
     }
-    // Resurrect for the hook: it runs under the object's own monitor so it
-    // never overlaps another holder of that lock.
+    // Resurrect for the hook. At zero no one else holds a reference, so a
+    // store does; the hook either keeps this reference or hands the object
+    // back to be destroyed.
     auto* self = const_cast<CObject*>(this);
-    m_count.fetch_add(1, std::memory_order_relaxed);
-    self->Enter();
-    m_reclaim(self);
-    const int32_t before = m_count.fetch_sub(1, std::memory_order_acq_rel);
-    self->Exit();
-    if (before > 1) {
-        // The hook kept a reference (the pool's Acquire, which the tracker
-        // saw): count the release that handed the object back, or a pooled
-        // object would look like an unmatched acquire in the leak report.
-        if (CLeaks::IsTracking())
-            CLeaks::ReleaseObject(this);
-        return;
-    }
-    Destroy();
+    m_count.store(1, std::memory_order_relaxed);
+    // The hook runs under the object's own monitor so it never overlaps
+    // another holder of that lock. Without a monitor nobody can hold it.
+    CLock* monitor = m_monitor.load(std::memory_order_acquire);
+    if (monitor)
+        monitor->Enter();
+    const bool kept = m_reclaim(self);
+    if (monitor)
+        monitor->Exit(); // kept: the keeper may hand the object on, but a new holder waits for this Exit
+    if (!kept)
+        Destroy();
 }
 
 void CObject::Destroy() const
@@ -112,7 +111,15 @@ CLock* CObject::Monitor()
     return monitor;
 }
 
+// Enter and Exit keep the made-monitor path free of calls, so it runs
+// without a stack frame: a scoped guard costs what a std::mutex does.
 int CObject::Enter()
+{
+    CLock* monitor = m_monitor.load(std::memory_order_acquire);
+    return monitor ? monitor->Enter() : EnterFirst();
+}
+
+[[gnu::noinline]] int CObject::EnterFirst()
 {
     CLock* monitor = Monitor();
     return monitor ? monitor->Enter() : 0;
@@ -150,6 +157,12 @@ int CObject::NotifyAll()
 
 int CObject::Exit()
 {
+    CLock* monitor = m_monitor.load(std::memory_order_acquire);
+    return monitor ? monitor->Exit() : ExitFirst();
+}
+
+[[gnu::noinline]] int CObject::ExitFirst()
+{
     CLock* monitor = Monitor();
     return monitor ? monitor->Exit() : 0;
 }
@@ -184,18 +197,6 @@ void CObject::operator delete(void* p) noexcept
 void CObject::operator delete(void* p, const std::nothrow_t&) noexcept
 {
     std::free(p);
-}
-
-CObject::CAutoLock::CAutoLock(CObject* object) : m_object(object)
-{
-    if (m_object)
-        m_object->Enter();
-}
-
-CObject::CAutoLock::~CAutoLock()
-{
-    if (m_object)
-        m_object->Exit();
 }
 
 } // namespace Quorvex::Vek

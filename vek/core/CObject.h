@@ -26,7 +26,10 @@ class CLock;
 
 class VEK_API CObject {
 public:
-    using ReclaimHook = void (*)(CObject*);
+    // Called when the count reaches zero, with the object holding one
+    // reference again: true when the hook kept the object (that reference
+    // is now the keeper's), false to have it destroyed.
+    using ReclaimHook = bool (*)(CObject*);
 
     // A bare object (type 0) whose monitor exists at once, for use as a
     // free-standing lock.
@@ -79,10 +82,19 @@ public:
     static void operator delete(void* p, const Fallible&) noexcept;
 
     // Scope guard: Enter on construction, Exit on destruction (null-safe).
-    class VEK_API CAutoLock {
+    // Inline, so a guard costs the one virtual call of each of the two.
+    class CAutoLock {
     public:
-        explicit CAutoLock(CObject* object);
-        ~CAutoLock();
+        explicit CAutoLock(CObject* object) : m_object(object)
+        {
+            if (m_object)
+                m_object->Enter();
+        }
+        ~CAutoLock()
+        {
+            if (m_object)
+                m_object->Exit();
+        }
         CAutoLock(const CAutoLock&) = delete;
         CAutoLock& operator=(const CAutoLock&) = delete;
 
@@ -106,6 +118,9 @@ private:
     void ReleaseLast() const;
     virtual void Synchronize();
     CLock* Monitor();
+    // Enter and Exit of an object whose monitor is not made yet.
+    int EnterFirst();
+    int ExitFirst();
     void Destroy() const;
 
     uint32_t m_type;

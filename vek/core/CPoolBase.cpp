@@ -35,12 +35,10 @@ int32_t CPoolBase::GetFreeCount()
     return m_free.Count();
 }
 
-void CPoolBase::Return(CPoolObject* object)
+bool CPoolBase::Return(CPoolObject* object)
 {
     CAutoLock guard(this);
-    if (m_free.Count() >= m_maxFree || !m_free.Insert(m_free.Count(), std::move(object)))
-        return; // not kept: the object is destroyed by its Release
-    object->Acquire();
+    return m_free.Count() < m_maxFree && m_free.Insert(m_free.Count(), std::move(object));
 }
 
 } // namespace Quorvex::Vek

@@ -34,9 +34,10 @@ protected:
 
 private:
     friend class CPoolObject;
-    // Takes back an object at the end of its life; keeps a reference to it
-    // unless the free list is full.
-    void Return(CPoolObject* object);
+    // Takes back an object at the end of its life, with the one reference it
+    // was resurrected with: true when that reference is now the free list's,
+    // false (the list is full) when the object is to be destroyed.
+    bool Return(CPoolObject* object);
 
     // Grows on demand and never throws: `maxFree` is only a bound, and a
     // failed growth just lets the returning object be destroyed.

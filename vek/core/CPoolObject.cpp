@@ -15,17 +15,17 @@ void CPoolObject::Pool(CPoolBase* pool)
 
 void CPoolObject::ReclaimCleanUp() {}
 
-void CPoolObject::Reclaim(CObject* object)
+bool CPoolObject::Reclaim(CObject* object)
 {
     auto* pooled = static_cast<CPoolObject*>(object);
     if (!pooled->m_pool)
-        return;
+        return false;
     pooled->ReclaimCleanUp();
-    // Hold the pool while handing the object back: clearing the object's
-    // own reference may otherwise drop the pool's last count.
-    RObject<CPoolBase> pool = pooled->m_pool;
-    pooled->m_pool.SafeRelease();
-    pool->Return(pooled);
+    // The object's reference to its pool moves here: it holds the pool while
+    // the object goes back (the object may be handed out again at once, and
+    // its pool reference is then the new user's).
+    RObject<CPoolBase> pool = std::move(pooled->m_pool);
+    return pool->Return(pooled);
 }
 
 } // namespace Quorvex::Vek

@@ -23,7 +23,7 @@ protected:
 
 private:
     friend class CPoolBase;
-    static void Reclaim(CObject* object);
+    static bool Reclaim(CObject* object);
 
     RObject<CPoolBase> m_pool;
 };

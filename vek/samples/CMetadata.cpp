@@ -165,6 +165,7 @@ bool CMetadata::MoveNextElement()
     return false;
 }
 
+// The medium's properties are not needed yet: see the header.
 int CMetadata::Attach(CMediaProperties* /*properties*/, CMediaSample* sample)
 {
     if (!sample) {

@@ -76,12 +76,22 @@ public:
     bool MoveNextElement();
     CMetadataElement* GetCurrentElement() const { return GetElementAt(m_cursor); }
 
-    // Sets this metadata on `sample` (shared). `properties` describe the
-    // sample's medium and may be null. -19004 for a null sample.
+    // Sets this metadata on `sample` (shared). -19004 for a null sample.
     int Attach(CMediaProperties* properties, CMediaSample* sample);
     // Takes this metadata off `sample`: -19004 for a null sample, -19007
     // when the sample carries other metadata.
     int Detach(CMediaProperties* properties, CMediaSample* sample);
+    // `properties` describe the medium of `sample`'s stream; they may be
+    // null and neither call reads them. Putting metadata on a sample or
+    // taking it off needs nothing from the medium today: every element
+    // reads on its own (a timecode carries its own time scale and frame
+    // duration, a field order its value, ancillary packets their bytes), and
+    // the metadata's duration counts units of the sample's own time scale,
+    // as the sample's times do, so nothing is converted. The argument is
+    // there for elements kept in the medium's terms (a time counted in its
+    // time scale, a value that only one format defines): Attach would
+    // re-express or refuse those for the sample's medium and Detach restore
+    // them, without a change to the calls or to their callers.
 
     // Two new objects in `first` and `second` (owned by the caller): both
     // get the frame-bound elements, `first` also every ordered one. The

@@ -1,41 +1,42 @@
 #include <vek/platform/Lock.h>
 
-#include <pthread.h>
+#if !defined(__linux__)
+#  error "the POSIX lock sleeps on futexes, which only Linux has"
+#endif
 
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
 #include <ctime>
-#include <new>
 
 namespace Quorvex::Vek::Platform {
 
 namespace {
 
-// A recursive pthread mutex gives re-entry at the C library's fast-path
-// cost. The depth is kept alongside (touched by the holder only) so that
-// Wait can release every level and restore it afterwards, as a monitor must.
-// As with a critical section, Exit by a thread that does not hold the lock
-// is a caller error.
-struct PosixMonitor {
-    pthread_mutex_t mutex;
-    pthread_cond_t condition;
-    int depth;
-};
-static_assert(sizeof(PosixMonitor) <= kLockStorageSize, "lock storage too small");
+static_assert(sizeof(std::atomic<uint32_t>) == sizeof(uint32_t) && std::atomic<uint32_t>::is_always_lock_free,
+              "a futex word is a plain 32-bit integer");
 
-PosixMonitor& Monitor(LockStorage& lock)
+uint32_t* Word(std::atomic<uint32_t>& word)
 {
-    return *reinterpret_cast<PosixMonitor*>(lock.bytes);
+    return reinterpret_cast<uint32_t*>(&word);
 }
 
-// True when the calling thread holds the lock. A trylock succeeds for the
-// holder (one more level) and for nobody else while the lock is held; when
-// it succeeds on a free lock the depth it sees is 0.
-bool HeldByCaller(PosixMonitor& m)
+// Sleeps while `word` holds `expected`, until woken or until the absolute
+// CLOCK_MONOTONIC `deadline` (null: no deadline). 0 when woken, otherwise
+// the errno: EAGAIN (the word had changed), ETIMEDOUT, EINTR.
+int FutexWait(std::atomic<uint32_t>& word, uint32_t expected, const timespec* deadline)
 {
-    if (pthread_mutex_trylock(&m.mutex) != 0)
-        return false;
-    const bool held = m.depth > 0;
-    pthread_mutex_unlock(&m.mutex);
-    return held;
+    const long rc = syscall(SYS_futex, Word(word), FUTEX_WAIT_BITSET | FUTEX_PRIVATE_FLAG, expected, deadline,
+                            nullptr, FUTEX_BITSET_MATCH_ANY);
+    return rc == 0 ? 0 : errno;
+}
+
+void FutexWake(std::atomic<uint32_t>& word, int count)
+{
+    syscall(SYS_futex, Word(word), FUTEX_WAKE | FUTEX_PRIVATE_FLAG, count, nullptr, nullptr, 0);
 }
 
 timespec Deadline(int32_t milliseconds)
@@ -53,83 +54,63 @@ timespec Deadline(int32_t milliseconds)
 
 } // namespace
 
-void LockInitialize(LockStorage& lock)
+void LockEnterContended(LockStorage& lock)
 {
-    auto* m = new (lock.bytes) PosixMonitor;
-    pthread_mutexattr_t mutexAttributes;
-    pthread_mutexattr_init(&mutexAttributes);
-    pthread_mutexattr_settype(&mutexAttributes, PTHREAD_MUTEX_RECURSIVE);
-    pthread_mutex_init(&m->mutex, &mutexAttributes);
-    pthread_mutexattr_destroy(&mutexAttributes);
-    pthread_condattr_t conditionAttributes;
-    pthread_condattr_init(&conditionAttributes);
-    pthread_condattr_setclock(&conditionAttributes, CLOCK_MONOTONIC);
-    pthread_cond_init(&m->condition, &conditionAttributes);
-    pthread_condattr_destroy(&conditionAttributes);
-    m->depth = 0;
+    // A holder usually leaves within a few hundred cycles: look for that
+    // before paying for a sleep and a wake.
+    for (int spin = 0; spin < 100; ++spin) {
+        if (lock.state.load(std::memory_order_relaxed) == 0 && LockTryEnter(lock))
+            return;
+#if defined(__x86_64__) || defined(__i386__)
+        __builtin_ia32_pause();
+#endif
+    }
+    // From here the lock is marked 2 whenever this thread may sleep on it,
+    // so the holder's exit knows to wake someone. Taking it as 2 (rather
+    // than 1) may cost one needless wake later, never a lost one.
+    while (lock.state.exchange(2, std::memory_order_acquire) != 0)
+        FutexWait(lock.state, 2, nullptr);
 }
 
-void LockDestroy(LockStorage& lock)
+void LockWake(LockStorage& lock)
 {
-    auto& m = Monitor(lock);
-    pthread_cond_destroy(&m.condition);
-    pthread_mutex_destroy(&m.mutex);
-}
-
-void LockEnter(LockStorage& lock)
-{
-    auto& m = Monitor(lock);
-    pthread_mutex_lock(&m.mutex);
-    ++m.depth;
-}
-
-bool LockTryEnter(LockStorage& lock)
-{
-    auto& m = Monitor(lock);
-    if (pthread_mutex_trylock(&m.mutex) != 0)
-        return false;
-    ++m.depth;
-    return true;
-}
-
-void LockExit(LockStorage& lock)
-{
-    auto& m = Monitor(lock);
-    --m.depth;
-    pthread_mutex_unlock(&m.mutex);
+    FutexWake(lock.state, 1);
 }
 
 bool LockWait(LockStorage& lock, int32_t milliseconds)
 {
-    auto& m = Monitor(lock);
-    if (!HeldByCaller(m))
-        return false;
-    // Drop to one level: the condition wait releases exactly that one.
-    const int savedDepth = m.depth;
-    for (int level = savedDepth; level > 1; --level)
-        pthread_mutex_unlock(&m.mutex);
-    m.depth = 0;
-    int rc = 0;
-    if (milliseconds < 0) {
-        rc = pthread_cond_wait(&m.condition, &m.mutex);
-    } else {
-        const timespec deadline = Deadline(milliseconds);
-        rc = pthread_cond_timedwait(&m.condition, &m.mutex, &deadline);
-    }
-    for (int level = 1; level < savedDepth; ++level)
-        pthread_mutex_lock(&m.mutex);
-    m.depth = savedDepth;
-    return rc == 0;
+    // The waiter count goes up and the sequence is read while the lock is
+    // held; a notifier bumps the sequence before it reads the count. In the
+    // single order of these four operations either the notifier sees this
+    // waiter, or this waiter reads the bumped sequence and waits for the
+    // next notify, as if it had begun waiting after this one.
+    lock.waiters.fetch_add(1, std::memory_order_seq_cst);
+    const uint32_t sequence = lock.sequence.load(std::memory_order_seq_cst);
+    LockExit(lock);
+    timespec deadline{};
+    if (milliseconds >= 0)
+        deadline = Deadline(milliseconds);
+    int rc;
+    do {
+        rc = FutexWait(lock.sequence, sequence, milliseconds >= 0 ? &deadline : nullptr);
+    } while (rc == EINTR && lock.sequence.load(std::memory_order_relaxed) == sequence);
+    lock.waiters.fetch_sub(1, std::memory_order_relaxed);
+    LockEnter(lock);
+    return rc != ETIMEDOUT;
 }
 
 void LockNotify(LockStorage& lock)
 {
-    pthread_cond_signal(&Monitor(lock).condition);
+    lock.sequence.fetch_add(1, std::memory_order_seq_cst);
+    if (lock.waiters.load(std::memory_order_seq_cst) != 0)
+        FutexWake(lock.sequence, 1);
 }
 
 void LockNotifyAll(LockStorage& lock)
 {
-    pthread_cond_broadcast(&Monitor(lock).condition);
+    lock.sequence.fetch_add(1, std::memory_order_seq_cst);
+    if (lock.waiters.load(std::memory_order_seq_cst) != 0)
+        FutexWake(lock.sequence, INT_MAX);
 }
 
 } // namespace Quorvex::Vek::Platform

@@ -2,76 +2,63 @@
 
 #include <windows.h>
 
-#include <new>
-
 namespace Quorvex::Vek::Platform {
 
 namespace {
 
-struct WindowsMonitor {
-    CRITICAL_SECTION section;
-    CONDITION_VARIABLE condition;
-};
-static_assert(sizeof(WindowsMonitor) <= kLockStorageSize, "lock storage too small");
+static_assert(sizeof(SRWLOCK) == sizeof(void*) && sizeof(CONDITION_VARIABLE) == sizeof(void*),
+              "the lock storage holds one pointer-sized SRWLOCK and CONDITION_VARIABLE");
 
-WindowsMonitor& Monitor(LockStorage& lock)
+PSRWLOCK Srw(LockStorage& lock)
 {
-    return *reinterpret_cast<WindowsMonitor*>(lock.bytes);
+    return reinterpret_cast<PSRWLOCK>(&lock.lock);
+}
+
+PCONDITION_VARIABLE Condition(LockStorage& lock)
+{
+    return reinterpret_cast<PCONDITION_VARIABLE>(&lock.condition);
 }
 
 } // namespace
 
-void LockInitialize(LockStorage& lock)
+uintptr_t CurrentThreadToken()
 {
-    auto* m = new (lock.bytes) WindowsMonitor;
-    InitializeCriticalSection(&m->section);
-    InitializeConditionVariable(&m->condition);
-}
-
-void LockDestroy(LockStorage& lock)
-{
-    DeleteCriticalSection(&Monitor(lock).section);
+    return uintptr_t(GetCurrentThreadId()); // thread ids are never 0
 }
 
 void LockEnter(LockStorage& lock)
 {
-    EnterCriticalSection(&Monitor(lock).section);
+    AcquireSRWLockExclusive(Srw(lock));
 }
 
 bool LockTryEnter(LockStorage& lock)
 {
-    return TryEnterCriticalSection(&Monitor(lock).section) != FALSE;
+    return TryAcquireSRWLockExclusive(Srw(lock)) != FALSE;
 }
 
 void LockExit(LockStorage& lock)
 {
-    LeaveCriticalSection(&Monitor(lock).section);
+    ReleaseSRWLockExclusive(Srw(lock));
 }
 
 bool LockWait(LockStorage& lock, int32_t milliseconds)
 {
-    auto& m = Monitor(lock);
+    // The SRW lock is held exactly once here (CLock keeps the re-entry
+    // depth itself), so the sleep releases it completely.
     const DWORD timeout = milliseconds < 0 ? INFINITE : DWORD(milliseconds);
-    // SleepConditionVariableCS leaves the section only once; a waiter that
-    // entered several times would keep it and starve the notifier. Leave the
-    // extra levels first and take them back after, as the POSIX build does.
-    const LONG extraLevels = m.section.RecursionCount > 1 ? m.section.RecursionCount - 1 : 0;
-    for (LONG i = 0; i < extraLevels; ++i)
-        LeaveCriticalSection(&m.section);
-    const bool woken = SleepConditionVariableCS(&m.condition, &m.section, timeout) != FALSE;
-    for (LONG i = 0; i < extraLevels; ++i)
-        EnterCriticalSection(&m.section);
-    return woken;
+    if (SleepConditionVariableSRW(Condition(lock), Srw(lock), timeout, 0))
+        return true;
+    return GetLastError() != ERROR_TIMEOUT;
 }
 
 void LockNotify(LockStorage& lock)
 {
-    WakeConditionVariable(&Monitor(lock).condition);
+    WakeConditionVariable(Condition(lock));
 }
 
 void LockNotifyAll(LockStorage& lock)
 {
-    WakeAllConditionVariable(&Monitor(lock).condition);
+    WakeAllConditionVariable(Condition(lock));
 }
 
 } // namespace Quorvex::Vek::Platform
