@@ -6,4 +6,5 @@
 #include <vek/io/IO.h>
 #include <vek/samples/Samples.h>
 #include <vek/components/Components.h>
+#include <vek/elementary/Elementary.h>
 #include <vek/containers/Containers.h>

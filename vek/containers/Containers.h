@@ -6,3 +6,10 @@
 #include <vek/containers/CContainerReaderInventory.h>
 #include <vek/containers/CContainerWriter.h>
 #include <vek/containers/CContainerWriterInventory.h>
+#include <vek/containers/ContainerReaderInventory.h>
+#include <vek/containers/readers/CAudioFileReader.h>
+#include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/wav/BroadcastAudioExtension.h>
+#include <vek/containers/readers/wav/CWavContainerReader.h>
+#include <vek/containers/readers/wav/WaveFormatRecord.h>
+#include <vek/containers/readers/wav64/CWav64ContainerReader.h>

@@ -1,0 +1,83 @@
+#include <vek/containers/ContainerReaderInventory.h>
+
+#include <vek/components/CInstanceFactory.h>
+#include <vek/containers/CContainerReaderInventory.h>
+#include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/wav/CWavContainerReader.h>
+#include <vek/containers/readers/wav64/CWav64ContainerReader.h>
+#include <vek/core/CString.h>
+#include <vek/media/ContainerFormat.h>
+
+namespace Quorvex::Vek {
+
+namespace {
+
+// A reader factory that keeps the host's label for the log.
+template <typename Reader>
+class CLabelledReaderFactory : public CInstanceFactory<Reader> {
+public:
+    CLabelledReaderFactory(uint32_t id, CString* label)
+        : CInstanceFactory<Reader>(id), m_label(RObject<CString>::FromObject(label))
+    {
+    }
+
+    CContainerReader* CreateInstance() override
+    {
+        CContainerReader* reader = CInstanceFactory<Reader>::CreateInstance();
+        if (reader)
+            Log(LogLevel::Detail, "ContainerReaderInventory: '%s' makes a %s reader\n", GetLabel(),
+                reader->GetFormatName());
+        return reader;
+    }
+
+    const char* GetLabel() const { return m_label ? m_label->GetChars() : ""; }
+
+protected:
+    ~CLabelledReaderFactory() override = default;
+
+private:
+    RObject<CString> m_label;
+};
+
+template <typename Reader>
+int AddReader(uint32_t id, const char* label)
+{
+    RObject<CString> text;
+    if (label) {
+        text = RObject<CString>(CString::Create(label));
+        if (!text) {
+            Log(LogLevel::Error, "ContainerReaderInventory: no memory for the label of a %s factory\n",
+                ContainerFormat::GetName(id));
+            return RESULT_OUT_OF_MEMORY;
+        }
+    }
+    RObject<CLabelledReaderFactory<Reader>> factory(new (fallible) CLabelledReaderFactory<Reader>(id, text));
+    if (!factory) {
+        Log(LogLevel::Error, "ContainerReaderInventory: no memory for a %s factory\n", ContainerFormat::GetName(id));
+        return RESULT_OUT_OF_MEMORY;
+    }
+    const int result = CContainerReaderInventory::AddFactory(factory);
+    if (result >= 0)
+        Log(LogLevel::Detail, "ContainerReaderInventory: registered the %s reader as '%s'\n",
+            ContainerFormat::GetName(id), factory->GetLabel());
+    return result;
+}
+
+} // namespace
+
+int ContainerReaderInventory::AddWavContainerReader(const char* label)
+{
+    return AddReader<CWavContainerReader>(ContainerFormat::WAV, label);
+}
+
+int ContainerReaderInventory::AddWav64ContainerReader(const char* label)
+{
+    return AddReader<CWav64ContainerReader>(ContainerFormat::WAV64, label);
+}
+
+int ContainerReaderInventory::AddAiffContainerReader(const char* label)
+{
+    return AddReader<CAiffContainerReader>(ContainerFormat::AIFF, label);
+}
+
+} // namespace Quorvex::Vek

@@ -1,0 +1,31 @@
+#pragma once
+
+// Registration of the library's container readers. A host registers the
+// readers it wants, in the order it wants them probed: each call appends
+// the reader class's factory to the reader inventory, and probing
+// (CContainerReaderInventory::Create) asks the factories in that order.
+//
+// `label` is the host's name for the registration ("plug-in 'Broadcast
+// import'", a build tag ...), may be null, and is kept with the factory:
+// it is logged at level 4 when the factory is registered and each time it
+// makes a reader, so a log shows which registration produced a reader.
+//
+// Each call returns 0 or a negative code (-19002 without memory). Calling
+// one twice registers a second factory that probing never reaches first.
+#include <vek/core/Types.h>
+
+namespace Quorvex::Vek {
+
+class VEK_API ContainerReaderInventory {
+public:
+    ContainerReaderInventory() = delete;
+
+    // RIFF WAVE, RF64 and broadcast wave (ContainerFormat::WAV).
+    static int AddWavContainerReader(const char* label);
+    // Sony Wave64 (ContainerFormat::WAV64).
+    static int AddWav64ContainerReader(const char* label);
+    // AIFF (ContainerFormat::AIFF).
+    static int AddAiffContainerReader(const char* label);
+};
+
+} // namespace Quorvex::Vek
