@@ -115,7 +115,7 @@ const struct {
     const char* container;
     const char* name;
 } kFormatNames[] = {
-    {"WAV", "WAV"}, {"WAVEX", "WAV"}, {"RF64", "WAV"}, {"W64", "Wave64"}, {"AIFF", "AIFF"},
+    {"WAV", "WAV"}, {"WAVEX", "WAV"}, {"RF64", "WAV"}, {"W64", "WAV64"}, {"AIFF", "AIFF"},
 };
 
 // The broadcast-wave keys and the manifest column of each.
@@ -139,9 +139,10 @@ std::string FourText(uint32_t code)
     return text;
 }
 
-std::string Printable(const std::string& text)
+// The text in quotes with its line ends visible.
+std::string Quoted(const std::string& text)
 {
-    std::string out;
+    std::string out(1, '"');
     for (const char c : text) {
         if (c == '\r')
             out += "\\r";
@@ -150,6 +151,7 @@ std::string Printable(const std::string& text)
         else
             out += c;
     }
+    out += '"';
     return out;
 }
 
@@ -201,7 +203,7 @@ private:
     void ExpectText(const std::string& fact, const std::string& expected, const std::string& got)
     {
         if (expected != got)
-            Fail(fact, "\"" + Printable(expected) + "\"", "\"" + Printable(got) + "\"");
+            Fail(fact, Quoted(expected), Quoted(got));
     }
 
     std::string ExpectedFormatName() const
@@ -272,7 +274,7 @@ private:
                 continue;
             }
             if (!stored) {
-                Fail(entry.key, "\"" + Printable(expected.substr(1)) + "\"", "absent");
+                Fail(entry.key, Quoted(expected.substr(1)), "absent");
                 continue;
             }
             RObject<CString> value(reader->GetPropertyValue(entry.key));
