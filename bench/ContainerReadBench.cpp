@@ -271,6 +271,9 @@ void ReadFile(benchmark::State& state, const char* name)
     // Time for time per byte: above 1 the library is faster.
     state.counters["vek_vs_read"] = (best[Plain] / double(fileBytes)) / (best[Vek] / double(files.DataBytes()));
     state.counters["vek_vs_sndfile"] = best[Sndfile] / best[Vek];
+    state.counters["cpu_vek_GBps"] = gigabytes / bestCpu[Vek];
+    state.counters["cpu_sndfile_GBps"] = gigabytes / bestCpu[Sndfile];
+    state.counters["cpu_read_GBps"] = double(fileBytes) / 1e9 / bestCpu[Plain];
     state.counters["cpu_vek_vs_read"] =
         (bestCpu[Plain] / double(fileBytes)) / (bestCpu[Vek] / double(files.DataBytes()));
     state.counters["cpu_vek_vs_sndfile"] = bestCpu[Sndfile] / bestCpu[Vek];
