@@ -48,6 +48,10 @@ CContainerReader* CContainerReader::Create(CContainerContext* context, unsigned 
     reader->m_flags = flags;
     if (reader->SetContext(context) < 0)
         return nullptr;
+    // The reader opens this file again in BeginIndex, normally with these
+    // same settings: keep the stream for it (see OpenStream).
+    reader->m_probeStream = RObject<CStream>::FromObject(stream);
+    reader->m_probeName = RObject<CString>::FromObject(name);
     return reader.Detach();
 }
 
@@ -333,11 +337,20 @@ int CContainerReader::ReadData(CStream* stream, CContainerDataReference* range, 
 int CContainerReader::OpenStream(CStream*& stream)
 {
     stream = nullptr;
+    RObject<CStream> probed(m_probeStream.Detach());
+    RObject<CString> probedName(m_probeName.Detach());
     CContainerContext* context = GetContext();
     if (!context)
         return RESULT_NULL_POINTER;
     RObject<CString> name(context->GetCurrentFileName());
-    return name ? context->OpenStream(this, name, stream) : RESULT_ERROR;
+    if (!name)
+        return RESULT_ERROR;
+    if (probed && probedName && m_streamBlockSize == 0 && m_readTimeout == 0 &&
+        std::strcmp(name->GetChars(), probedName->GetChars()) == 0 && probed->Seek(0, CStream::Begin) >= 0) {
+        stream = probed.Detach();
+        return RESULT_OK;
+    }
+    return context->OpenStream(this, name, stream);
 }
 
 int CContainerReader::OpenStream(CString* name, CStream*& stream)
