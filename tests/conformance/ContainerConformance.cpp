@@ -181,7 +181,7 @@ public:
         CheckProperties(audio);
         CheckBext(reader);
         if (m_failures == 0)
-            CheckSound(reader, audio);
+            CheckSound(reader);
         reader->EndIndex();
     }
 
@@ -231,6 +231,7 @@ private:
         Expect("bits per sample", bits, audio->GetBitsPerSample());
         Expect("bytes per frame", channels * bits / 8, audio->GetBytesPerFrame());
         Expect("duration in frames", Number("frames"), audio->GetDuration());
+        Expect("time scale", rate, audio->GetTimeScale());
         Expect("bit rate", rate * channels * bits, audio->GetBitRate());
 
         // The extensible record's mask gives the channels the masked
@@ -282,7 +283,7 @@ private:
         }
     }
 
-    void CheckSound(CContainerReader* reader, CAudioProperties* audio)
+    void CheckSound(CContainerReader* reader)
     {
         std::vector<unsigned char> expected;
         if (!ReadFile(m_folder + "/" + m_row.at("raw"), expected))
@@ -316,6 +317,8 @@ private:
                 Expect(where + " position", nextPosition, range->GetPosition());
             nextPosition = range->GetPosition() + range->GetLength();
             Expect(where + " duration in frames", range->GetLength() / bytesPerFrame, sample->GetDuration());
+            // Times count frames from the start of the sound.
+            Expect(where + " time", frames, sample->GetTime());
             frames += sample->GetDuration();
 
             result = reader->ReadAudioData(0, sample);
@@ -345,7 +348,6 @@ private:
                 return Fail("sound bytes", text, gotText);
             }
         }
-        (void)audio;
     }
 
     std::string m_folder;
