@@ -55,10 +55,17 @@ int CAudioFileReader::OpenTrack()
 {
     DropTrack();
     CStream* opened = nullptr;
-    const int result = OpenStream(opened);
+    int result = OpenStream(opened);
     m_stream = RObject<CStream>(opened);
-    if (result < 0)
+    if (result < 0) {
+        Log(LogLevel::Error, "%s: opening the file of the context failed with %s\n", GetFormatName(),
+            GetResultName(result));
         return result;
+    }
+    if ((result = m_stream->Seek(0, CStream::Begin)) < 0) {
+        Log(LogLevel::Error, "%s: rewinding the file failed with %s\n", GetFormatName(), GetResultName(result));
+        return result;
+    }
     m_audio = RObject<CAudioProperties>(new (fallible) CAudioProperties());
     return m_audio ? RESULT_OK : RESULT_OUT_OF_MEMORY;
 }
