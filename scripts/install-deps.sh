@@ -10,6 +10,9 @@ packages=(
     clang-14 libclang-rt-14-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     liburiparser-dev libsndfile1-dev
+    # Independent writers and oracles of the container conformance tests
+    # (tests/conformance), and libsndfile's programs for its corpus files.
+    ffmpeg sox libsox-fmt-all sndfile-programs python3
     g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
 )
 

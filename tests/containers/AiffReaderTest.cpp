@@ -165,20 +165,26 @@ TEST(AiffReader, AFailedSampleIsSkippedWhereTheWaveReadersRetryIt)
 {
     VEK_REQUIRE_FAULT_INJECTION();
 #if VEK_FAULT_INJECTION
-    const Bytes aiff = Aiff({{"COMM", AiffCommon(2, 12000, 16, 8000)}, {"SSND", AiffSound(Pattern(48000))}});
-    const Bytes wav = Riff({{"fmt ", WaveFormat(1, 2, 8000, 16)}, {"data", Pattern(48000)}});
-    const auto afterFailure = [](CContainerReader* reader, const Bytes& file) {
-        CAudioSample* raw = nullptr;
-        FaultInjection::FailAllocation(1);
-        const int failed = reader->ReadAudioSample(0, raw);
-        FaultInjection::FailAllocation(0);
-        EXPECT_EQ(failed, RESULT_OUT_OF_MEMORY);
-        EXPECT_EQ(raw, nullptr);
-        const auto rest = ReadAllSamples(reader, file);
-        return rest.empty() ? 0 : rest[0].packets;
+    // 3.5 seconds: one read warms the sample pool, one counts what a read
+    // allocates, the third fails at its last allocation.
+    const Bytes aiff = Aiff({{"COMM", AiffCommon(2, 28000, 16, 8000)}, {"SSND", AiffSound(Pattern(112000))}});
+    const Bytes wav = Riff({{"fmt ", WaveFormat(1, 2, 8000, 16)}, {"data", Pattern(112000)}});
+    const auto afterFailure = [](CContainerReader* reader) {
+        const auto read = [&](int64_t failAt) {
+            CAudioSample* raw = nullptr;
+            FaultInjection::FailAllocation(failAt);
+            const int result = reader->ReadAudioSample(0, raw);
+            FaultInjection::Disarm();
+            RObject<CAudioSample> sample(raw);
+            return result < 0 ? result : sample->GetPackets();
+        };
+        read(0);
+        read(INT64_MAX);
+        EXPECT_EQ(read(FaultInjection::AllocationCount()), RESULT_OUT_OF_MEMORY);
+        return read(0);
     };
-    EXPECT_EQ(afterFailure(OpenReader<CAiffContainerReader>(aiff).reader, aiff), 4000);
-    EXPECT_EQ(afterFailure(OpenReader<CWavContainerReader>(wav).reader, wav), 8000);
+    EXPECT_EQ(afterFailure(OpenReader<CAiffContainerReader>(aiff).reader), 4000);
+    EXPECT_EQ(afterFailure(OpenReader<CWavContainerReader>(wav).reader), 8000);
 #endif
 }
 

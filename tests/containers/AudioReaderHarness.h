@@ -37,7 +37,8 @@ Opened<Reader> OpenReader(const Bytes& file)
     RObject<CString> name(CString::Create("memory"));
     RObject<CContainerStreamContext> context(stream && name ? CContainerStreamContext::Create(stream, name) : nullptr);
     opened.reader = RObject<Reader>(new Reader());
-    if (!context || !opened.reader) {
+    // A memory stream whose buffer could not be had is empty.
+    if (!context || !opened.reader || stream->GetLength() != int64_t(file.size())) {
         opened.result = RESULT_OUT_OF_MEMORY;
         return opened;
     }

@@ -57,8 +57,8 @@ TEST(ContainerReaderInventory, FactoriesAreFoundByFormatAndLogTheirLabel)
         ASSERT_TRUE(reader) << name;
         EXPECT_STREQ(reader->GetFormatName(), name);
     }
-    EXPECT_EQ(log.Count("'tests' makes a WAV reader"), 1u) << log.Text();
-    EXPECT_EQ(log.Count("'' makes a AIFF reader"), 1u) << log.Text();
+    EXPECT_EQ(log.Count("'tests' made a reader of WAV\n"), 1u) << log.Text();
+    EXPECT_EQ(log.Count("'' made a reader of AIFF\n"), 1u) << log.Text();
 }
 
 TEST(ContainerReaderInventory, ReadersOpenedThroughTheContextReadTheFile)

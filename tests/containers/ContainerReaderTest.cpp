@@ -4,6 +4,9 @@
 
 #include "support/AllocationWalk.h"
 #include "support/LogCapture.h"
+#include <cstring>
+#include <string>
+
 #include "support/TestSupport.h"
 
 using namespace Quorvex::Vek;
@@ -201,5 +204,95 @@ TEST(AllocationFailure, RegistrationLeavesTheInventoryAsItWasWhenMemoryRunsOut)
 }
 
 #endif
+
+// A reader of files that start "PRBE", with the block size a case asks
+// for. It notes the stream it was chosen on.
+class HandOverReader : public CContainerReader {
+public:
+    static inline int32_t blockSize = 0;
+    static inline CStream* probed = nullptr;
+
+    HandOverReader() : CContainerReader(Four("hand")) { SetStreamBlockSize(blockSize); }
+    int Validate(CStream* stream) override
+    {
+        unsigned char head[4] = {};
+        if (stream->Read(head, 4) != 4 || std::memcmp(head, "PRBE", 4) != 0)
+            return 0;
+        probed = stream;
+        return 200;
+    }
+};
+
+class HandOverFactory : public CComponentFactory<CContainerReader> {
+public:
+    HandOverFactory() : CComponentFactory<CContainerReader>(Four("hand")) {}
+    CContainerReader* CreateInstance() override { return new HandOverReader(); }
+};
+
+std::string ReadAll(CStream* stream)
+{
+    std::string bytes;
+    unsigned char piece[64];
+    int got;
+    while ((got = stream->Read(piece, sizeof piece)) > 0)
+        bytes.append(reinterpret_cast<const char*>(piece), size_t(got));
+    return bytes;
+}
+
+// A reader made by Create reopens the file it was chosen on; the stream of
+// the probe is handed over instead only where it is what OpenStream would
+// open: the same file, opened the same way, and only once.
+TEST(ContainerReader, OpenStreamHandsOverTheProbedStreamOnlyWhereItIsTheSame)
+{
+    static bool registered = [] {
+        RObject<HandOverFactory> factory(new HandOverFactory());
+        return CContainerReaderInventory::AddFactory(factory) == RESULT_OK;
+    }();
+    ASSERT_TRUE(registered);
+    VekTest::TempDir dir;
+    const std::string first = "PRBE first file";
+    const std::string second = "PRBE the second file";
+    ASSERT_TRUE(VekTest::WriteFile(dir.File("first.prb"), first));
+    ASSERT_TRUE(VekTest::WriteFile(dir.File("second.prb"), second));
+
+    const struct {
+        const char* name;
+        int32_t blockSize;
+        bool moveToSecond; // the context names another file before OpenStream
+        bool handedOver;
+    } cases[] = {
+        {"same file, same settings", 0, false, true},
+        {"a block size of its own", 4096, false, false},
+        {"the context moved on", 0, true, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        HandOverReader::blockSize = c.blockSize;
+        HandOverReader::probed = nullptr;
+        RObject<CString> path(CString::Create(dir.File("first.prb").c_str()));
+        RObject<CContainerReader> reader(CContainerReader::Create(path));
+        ASSERT_TRUE(reader);
+        ASSERT_NE(HandOverReader::probed, nullptr);
+        if (c.moveToSecond) {
+            RObject<CString> name(CString::Create("second.prb"));
+            ASSERT_EQ(reader->GetContext()->AddFileName(name), RESULT_OK);
+            ASSERT_TRUE(reader->GetContext()->MoveNextFile());
+        }
+        CStream* opened = nullptr;
+        ASSERT_EQ(reader->OpenStream(opened), RESULT_OK);
+        RObject<CStream> stream(opened);
+        ASSERT_TRUE(stream);
+        EXPECT_EQ(stream.Get() == HandOverReader::probed, c.handedOver);
+        EXPECT_EQ(stream->IsType(CBufferedStream::Type), c.blockSize > 0);
+        EXPECT_EQ(ReadAll(stream), c.moveToSecond ? second : first);
+
+        // A second call opens anew, whatever the first did.
+        CStream* again = nullptr;
+        ASSERT_EQ(reader->OpenStream(again), RESULT_OK);
+        RObject<CStream> other(again);
+        EXPECT_NE(other.Get(), stream.Get());
+        EXPECT_EQ(ReadAll(other), c.moveToSecond ? second : first);
+    }
+}
 
 } // namespace

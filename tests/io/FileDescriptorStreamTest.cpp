@@ -516,3 +516,70 @@ TEST(FileDescriptorStream, NameThatIsNotUtf8Opens)
     EXPECT_EQ(std::memcmp(bytes, "RIFF", 4), 0);
 }
 #endif
+
+// The stream remembers the descriptor's offset to skip seeks to where it
+// already stands. Every step below moves the offset in a different way; a
+// stale memory shows as a wrong position or wrong bytes against a model of
+// the file kept here.
+TEST(FileDescriptorStream, RememberedOffsetFollowsEveryMove)
+{
+    enum Op { Read, SeekBegin, SeekCurrent, SeekEnd, Write, Available };
+    const struct {
+        Op op;
+        int64_t value;
+    } steps[] = {
+        {Read, 100},       {SeekBegin, 100},  {Read, 50},       {SeekCurrent, -50}, {Write, 20},
+        {SeekBegin, 120},  {Read, 10},        {SeekBegin, 120}, {Read, 5000},       {SeekBegin, 1000},
+        {Read, 1},         {SeekEnd, -10},    {Available, 0},   {Read, 4},          {SeekBegin, 994},
+        {Write, 30},       {SeekBegin, 1024}, {Read, 8},        {SeekBegin, 0},     {Read, 1024},
+    };
+    TempDir dir;
+    const std::string path = dir.File("moves");
+    std::string model = Pattern(1000);
+    int result = 0;
+    RObject<CFileDescriptorStream> stream(OpenFile(path, Mode::ReadWrite, result));
+    ASSERT_EQ(result, 0);
+    ASSERT_EQ(stream->Write(reinterpret_cast<const unsigned char*>(model.data()), 1000), 1000);
+    ASSERT_EQ(stream->Seek(0, CStream::Begin), 0);
+    int64_t position = 0;
+    int step = 0;
+    for (const auto& s : steps) {
+        SCOPED_TRACE("step " + std::to_string(step++));
+        switch (s.op) {
+        case Read: {
+            std::string out(size_t(s.value), '\0');
+            const int64_t expected = std::min<int64_t>(s.value, int64_t(model.size()) - position);
+            ASSERT_EQ(stream->Read(reinterpret_cast<unsigned char*>(out.data()), int32_t(s.value)), expected);
+            EXPECT_EQ(out.substr(0, size_t(expected)), model.substr(size_t(position), size_t(expected)));
+            position += expected;
+            break;
+        }
+        case SeekBegin:
+        case SeekCurrent:
+        case SeekEnd: {
+            const CStream::SeekOrigin origin =
+                s.op == SeekBegin ? CStream::Begin : s.op == SeekCurrent ? CStream::Current : CStream::End;
+            int64_t reached = -1;
+            ASSERT_EQ(stream->Seek(s.value, origin, &reached), 0);
+            position = s.op == SeekBegin ? s.value : s.op == SeekCurrent ? position + s.value
+                                                                          : int64_t(model.size()) + s.value;
+            EXPECT_EQ(reached, position);
+            break;
+        }
+        case Write: {
+            const std::string bytes(size_t(s.value), char('a' + step));
+            ASSERT_EQ(stream->Write(reinterpret_cast<const unsigned char*>(bytes.data()), int32_t(s.value)),
+                      s.value);
+            model.resize(std::max(model.size(), size_t(position + s.value)));
+            model.replace(size_t(position), bytes.size(), bytes);
+            position += s.value;
+            break;
+        }
+        case Available:
+            EXPECT_EQ(stream->GetAvailableLength(), int64_t(model.size()));
+            break;
+        }
+        EXPECT_EQ(stream->GetPosition(), position);
+    }
+    EXPECT_EQ(VekTest::ReadFile(path), model);
+}

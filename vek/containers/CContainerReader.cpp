@@ -48,6 +48,10 @@ CContainerReader* CContainerReader::Create(CContainerContext* context, unsigned 
     reader->m_flags = flags;
     if (reader->SetContext(context) < 0)
         return nullptr;
+    // The reader opens this file again in BeginIndex, normally with these
+    // same settings: keep the stream for it (see OpenStream).
+    reader->m_probeStream = RObject<CStream>::FromObject(stream);
+    reader->m_probeName = RObject<CString>::FromObject(name);
     return reader.Detach();
 }
 
@@ -261,12 +265,46 @@ int CContainerReader::ReadData(CStream* stream, int64_t position, CByteArray* da
     return result < 0 ? result : RESULT_OK;
 }
 
+namespace {
+
+// The memory of a range about to be read. A CByteArray of its own would
+// zero-fill its bytes first, a second pass over every byte of sound data
+// that the read overwrites at once; this memory is left as it comes, and
+// ReadData fills every byte or fails. The array handed out is a view that
+// keeps it alive.
+class CRangeMemory final : public CObject {
+public:
+    explicit CRangeMemory(int32_t length)
+        : CObject(Four("rngm")), m_bytes(new (fallible) unsigned char[size_t(length)])
+    {
+    }
+    unsigned char* GetBytes() const { return m_bytes; }
+
+protected:
+    ~CRangeMemory() override { delete[] m_bytes; }
+
+private:
+    unsigned char* m_bytes;
+};
+
+CByteArray* CreateRangeArray(int32_t length)
+{
+    if (length <= 0)
+        return CByteArray::Create(nullptr, length);
+    RObject<CRangeMemory> memory(new (fallible) CRangeMemory(length));
+    if (!memory || !memory->GetBytes())
+        return nullptr;
+    return new (fallible) CByteArray(length, memory->GetBytes(), memory);
+}
+
+} // namespace
+
 int CContainerReader::ReadData(CStream* stream, CContainerDataReference* range, CByteArray*& data)
 {
     data = nullptr;
     if (!stream || !range)
         return RESULT_ARGUMENT_NULL;
-    RObject<CByteArray> bytes(CByteArray::Create(nullptr, range->GetLength()));
+    RObject<CByteArray> bytes(CreateRangeArray(range->GetLength()));
     if (!bytes) {
         Log(LogLevel::Error, "CContainerReader::ReadData: no memory for %d bytes\n", range->GetLength());
         return RESULT_OUT_OF_MEMORY;
@@ -299,11 +337,20 @@ int CContainerReader::ReadData(CStream* stream, CContainerDataReference* range, 
 int CContainerReader::OpenStream(CStream*& stream)
 {
     stream = nullptr;
+    RObject<CStream> probed(m_probeStream.Detach());
+    RObject<CString> probedName(m_probeName.Detach());
     CContainerContext* context = GetContext();
     if (!context)
         return RESULT_NULL_POINTER;
     RObject<CString> name(context->GetCurrentFileName());
-    return name ? context->OpenStream(this, name, stream) : RESULT_ERROR;
+    if (!name)
+        return RESULT_ERROR;
+    if (probed && probedName && m_streamBlockSize == 0 && m_readTimeout == 0 &&
+        std::strcmp(name->GetChars(), probedName->GetChars()) == 0 && probed->Seek(0, CStream::Begin) >= 0) {
+        stream = probed.Detach();
+        return RESULT_OK;
+    }
+    return context->OpenStream(this, name, stream);
 }
 
 int CContainerReader::OpenStream(CString* name, CStream*& stream)

@@ -93,7 +93,11 @@ public:
                              CMemoryDataReference*& data);
 
     // Opens the context's current file, as this reader wants it opened
-    // (see GetStreamBlockSize and the read timeout).
+    // (see GetStreamBlockSize and the read timeout). The first call on a
+    // reader made by Create may instead hand over, rewound, the stream the
+    // reader was chosen on, when the context still names that file and the
+    // reader wants it opened as it was (no block size, no read timeout):
+    // the same file opened the same way, without opening it twice.
     int OpenStream(CStream*& stream);
     // Opens a companion file of the same context by name.
     int OpenStream(CString* name, CStream*& stream);
@@ -128,6 +132,10 @@ private:
     int32_t m_readTimeout = 0;
     int32_t m_streamBlockSize = 0;
     unsigned int m_flags = 0;
+    // The stream Create probed and the name it opened, until OpenStream
+    // takes it over or the reader is released.
+    RObject<CStream> m_probeStream;
+    RObject<CString> m_probeName;
 };
 
 } // namespace Quorvex::Vek

@@ -25,7 +25,7 @@ public:
     {
         CContainerReader* reader = CInstanceFactory<Reader>::CreateInstance();
         if (reader)
-            Log(LogLevel::Detail, "ContainerReaderInventory: '%s' makes a %s reader\n", GetLabel(),
+            Log(LogLevel::Detail, "ContainerReaderInventory: '%s' made a reader of %s\n", GetLabel(),
                 reader->GetFormatName());
         return reader;
     }

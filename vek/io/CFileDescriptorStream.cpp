@@ -109,7 +109,7 @@ int CFileDescriptorStream::Open(CString* path)
     m_descriptor = descriptor;
     const int64_t end = Platform::FileSeek(descriptor, 0, FileSeekOrigin::End, error);
     m_length = end > 0 ? end : 0;
-    Platform::FileSeek(descriptor, 0, FileSeekOrigin::Begin, error);
+    m_knownPosition = Platform::FileSeek(descriptor, 0, FileSeekOrigin::Begin, error) == 0 ? 0 : -1;
     return 0;
 }
 
@@ -138,13 +138,16 @@ int64_t CFileDescriptorStream::GetAvailableLength()
     FileError error;
     const int64_t position = Platform::FileTell(m_descriptor);
     const int64_t end = Platform::FileSeek(m_descriptor, 0, FileSeekOrigin::End, error);
-    Platform::FileSeek(m_descriptor, position, FileSeekOrigin::Begin, error);
+    const int64_t back = Platform::FileSeek(m_descriptor, position, FileSeekOrigin::Begin, error);
+    m_knownPosition = position >= 0 && back == position ? position : -1;
     return end;
 }
 
 int64_t CFileDescriptorStream::GetPosition()
 {
-    return m_descriptor < 0 ? -1 : Platform::FileTell(m_descriptor);
+    if (m_descriptor < 0)
+        return -1;
+    return m_knownPosition >= 0 ? m_knownPosition : Platform::FileTell(m_descriptor);
 }
 
 int32_t CFileDescriptorStream::WaitForGrowth(int64_t position, int32_t remainingWait)
@@ -177,6 +180,9 @@ int CFileDescriptorStream::Read(unsigned char* buffer, int32_t count)
         return RESULT_ARGUMENT_NULL;
     int32_t got = 0;
     int32_t remainingWait = m_readWaitTime;
+    // Known again only when the whole count was read in one go.
+    const int64_t start = m_knownPosition;
+    m_knownPosition = -1;
     for (;;) {
         FileError error;
         const int32_t n = Platform::FileRead(m_descriptor, buffer + got, count - got, error);
@@ -187,8 +193,11 @@ int CFileDescriptorStream::Read(unsigned char* buffer, int32_t count)
             return ReadFailure(error);
         }
         got += n;
-        if (got >= count)
+        if (got >= count) {
+            if (start >= 0)
+                m_knownPosition = start + got;
             return got;
+        }
         const int64_t position = Platform::FileTell(m_descriptor);
         if (remainingWait > 0)
             remainingWait = WaitForGrowth(position, remainingWait);
@@ -203,11 +212,17 @@ int CFileDescriptorStream::Seek(int64_t offset, SeekOrigin origin, int64_t* newP
     // An unknown origin would trip the Windows runtime's parameter check.
     if (m_descriptor < 0 || !IsOrigin(origin))
         return RESULT_IO_ERROR;
+    if (origin == Begin && offset >= 0 && offset == m_knownPosition) {
+        if (newPosition)
+            *newPosition = offset;
+        return 0;
+    }
     FileError error;
     const int64_t position =
         Platform::FileSeek(m_descriptor, offset, FileSeekOrigin(int(origin)), error);
     if (position == -1)
         return RESULT_IO_ERROR;
+    m_knownPosition = position;
     if (newPosition)
         *newPosition = position;
     return 0;
@@ -224,6 +239,7 @@ int CFileDescriptorStream::Write(const unsigned char* buffer, int32_t count)
     if (!buffer)
         return RESULT_ARGUMENT_NULL;
     FileError error;
+    m_knownPosition = -1;
     const int64_t before = Platform::FileTell(m_descriptor);
     if (Platform::FileWrite(m_descriptor, buffer, count, error) < 0) {
         FileError ignored;
@@ -241,6 +257,7 @@ int CFileDescriptorStream::Write(const unsigned char* buffer, int32_t count)
     const int64_t position = Platform::FileTell(m_descriptor);
     if (position <= INT32_MAX && position > m_length)
         m_length = position;
+    m_knownPosition = position;
     return count;
 }
 

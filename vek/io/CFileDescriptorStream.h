@@ -66,6 +66,10 @@ private:
     RObject<CString> m_path;
     int m_descriptor = -1;
     int64_t m_length = 0;
+    // The descriptor's offset while this stream knows it, else -1. Readers
+    // seek to where the last read ended before every sample; with the
+    // offset known that seek (and GetPosition) costs no system call.
+    int64_t m_knownPosition = -1;
 };
 
 } // namespace Quorvex::Vek

@@ -78,13 +78,11 @@ protected:
     // caller provides any locking.
     int CutPcmSample(CAudioSample*& sample, Advance order);
 
-    // The read position in frames, for subclasses that cut differently.
-    int64_t m_position = 0;
-
 private:
     RObject<CStream> m_stream;
     RObject<CAudioProperties> m_audio;
     SoundData m_data;
+    int64_t m_position = 0; // frames handed out by CutPcmSample
     bool m_hasTrack = false;
 };
 

@@ -73,6 +73,8 @@ int ReadCodingHistory(CBinaryReader& reader, int64_t length, const char* owner, 
             static_cast<long long>(length), BroadcastAudioExtension::MaxCodingHistoryBytes);
         length = BroadcastAudioExtension::MaxCodingHistoryBytes;
     }
+    if (length == 0)
+        return container->SetProperty(ContainerProperty::WavCodingHistory, 0, nullptr);
     RObject<CByteArray> history(CByteArray::Create(nullptr, int32_t(length)));
     if (!history) {
         Log(LogLevel::Error, "%s: no memory for %lld bytes of coding history\n", owner, static_cast<long long>(length));
