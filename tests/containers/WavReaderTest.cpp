@@ -307,7 +307,7 @@ TEST(WavReader, CutsMpegAudioIntoWholeFramesAndResynchronises)
         LogCapture log(2);
         auto opened = OpenReader<CWavContainerReader>(file);
         ASSERT_EQ(opened.result, RESULT_OK);
-        EXPECT_EQ(opened.reader->GetAudioProperties(0)->GetFormat(), AudioFormat::MPEG);
+        EXPECT_EQ(opened.reader->GetAudioProperties(0)->GetFormat(), uint32_t(AudioFormat::MPEG));
         const auto spans = ReadAllSamples(opened.reader, file);
         ASSERT_EQ(spans.size(), 3u) << log.Text();
         const int64_t start = 12 + 8 + 16 + 8;

@@ -18,11 +18,15 @@ namespace Quorvex::Vek {
 struct VEK_API MpegAudioFrameHeader {
     enum Version : uint8_t { Mpeg1 = 1, Mpeg2 = 2, Mpeg25 = 25 };
 
-    // The four header bytes, in stream order.
-    static constexpr size_t Size = 4;
-    // The longest frame any accepted header describes (layer II at
-    // 160 kbit/s and 8 kHz, padded), for bounding scans.
-    static constexpr int32_t MaxFrameBytes = 2881;
+    // Enumerators rather than static data: a DLL client can bind them to
+    // references without importing data.
+    enum : int32_t {
+        // The four header bytes, in stream order.
+        Size = 4,
+        // The longest frame any accepted header describes (layer II at
+        // 160 kbit/s and 8 kHz, padded), for bounding scans.
+        MaxFrameBytes = 2881,
+    };
 
     Version version = Mpeg1;
     uint8_t layer = 0; // 1, 2 or 3

@@ -17,7 +17,7 @@ namespace Quorvex::Vek {
 class VEK_API CAudioFileReader : public CContainerReader {
 public:
     // What Validate returns for a file whose signature matches.
-    static constexpr int MatchScore = 128;
+    enum : int32_t { MatchScore = 128 };
 
     // The one track's format as a new list; null without a track.
     CValueList<unsigned int>* GetAudioFormats() override;

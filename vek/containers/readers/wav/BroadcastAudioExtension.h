@@ -19,11 +19,13 @@ class VEK_API BroadcastAudioExtension {
 public:
     BroadcastAudioExtension() = delete;
 
-    // The fixed part before the coding history.
-    static constexpr int64_t FixedBytes = 602;
-    // Coding history beyond this is not kept (a log line says so): it is
-    // free text, and a lying chunk size must not size an allocation.
-    static constexpr int32_t MaxCodingHistoryBytes = 1 << 20;
+    enum : int32_t {
+        // The fixed part before the coding history.
+        FixedBytes = 602,
+        // Coding history beyond this is not kept (a log line says so): it
+        // is free text, and a lying chunk size must not size an allocation.
+        MaxCodingHistoryBytes = 1 << 20,
+    };
 
     // "wav.bext.time_reference": the time reference, int64 little-endian.
     static const char* const TimeReference;

@@ -364,8 +364,10 @@ int CWavContainerReader::FindFrame(int64_t& offset, MpegAudioFrameHeader& header
     CByteArray* bytes = nullptr;
     int result = RESULT_OK;
     // Frames normally follow each other: look where the last one ended first.
-    if (size - offset < headerBytes)
-        return offset = size, RESULT_OK;
+    if (size - offset < headerBytes) {
+        offset = size;
+        return RESULT_OK;
+    }
     if ((result = ReadAt(offset, headerBytes, bytes)) < 0 || accept(bytes->GetData()))
         return result;
     while (size - offset >= headerBytes && offset - start < MaxResyncBytes) {

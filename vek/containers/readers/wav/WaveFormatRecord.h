@@ -19,10 +19,12 @@ struct VEK_API WaveFormatRecord {
         TagMpegLayer3 = 0x55,
         TagExtensible = 0xFFFE,
     };
-    // The WAVEFORMAT part every record has.
-    static constexpr int64_t BaseBytes = 16;
-    // cbSize of an extensible record: valid bits, mask, sub-format.
-    static constexpr uint16_t ExtensibleBytes = 22;
+    enum : int32_t {
+        // The WAVEFORMAT part every record has.
+        BaseBytes = 16,
+        // cbSize of an extensible record: valid bits, mask, sub-format.
+        ExtensibleBytes = 22,
+    };
 
     uint16_t formatTag = 0;
     uint16_t channels = 0;
