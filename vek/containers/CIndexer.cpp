@@ -157,10 +157,12 @@ void CIndexer::EndReaderIndex()
 
 int CIndexer::ReadIndex()
 {
-    const int result = ReadRounds();
+    int result = ReadRounds();
+    const int completed = CompleteTracks();
+    if (result >= 0)
+        result = completed;
     if (result < 0)
         Log(LogLevel::Error, "CIndexer::ReadIndex: the pass ended with %d (%s)\n", result, GetResultName(result));
-    CompleteTracks();
     EndReaderIndex();
     double longest = 0.0;
     for (int32_t slot = 0; slot < TrackCount(); ++slot)
@@ -297,10 +299,16 @@ int CIndexer::ReportProgress(uint32_t state)
     return callback ? callback(context, state, Progress()) : 0;
 }
 
-void CIndexer::CompleteTracks()
+// Every track completes; the first failure is returned.
+int CIndexer::CompleteTracks()
 {
-    for (int32_t slot = 0; slot < TrackCount(); ++slot)
-        MediaIndexerAt(slot)->OnComplete();
+    int first = RESULT_OK;
+    for (int32_t slot = 0; slot < TrackCount(); ++slot) {
+        const int result = MediaIndexerAt(slot)->OnComplete();
+        if (result < 0 && first >= 0)
+            first = result;
+    }
+    return first;
 }
 
 void CIndexer::SetDuration(double seconds)

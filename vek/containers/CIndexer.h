@@ -141,7 +141,7 @@ private:
     int32_t TrackCount() const { return m_videoCount + m_audioCount + m_subtitleCount; }
     double Progress() const;
     int ReportProgress(uint32_t state);
-    void CompleteTracks();
+    int CompleteTracks();
     void SetDuration(double seconds);
     void SetState(uint32_t state);
     void EndReaderIndex();
