@@ -168,9 +168,11 @@ int CIndexer::ReadIndex()
     for (int32_t slot = 0; slot < TrackCount(); ++slot)
         longest = std::max(longest, MediaIndexerAt(slot)->GetDurationInSeconds());
     SetDuration(longest);
+    // The last report comes before the waiters wake: a host that frees the
+    // callback's context once WaitForIndex returns must not be called after.
     const uint32_t state = result < 0 ? Failed : Complete;
-    SetState(state);
     ReportProgress(state);
+    SetState(state);
     return result;
 }
 
