@@ -129,7 +129,11 @@ protected:
 
 private:
     static int IndexThread(void* context);
+    int StartIndexThread();
     int CreateMediaIndexers();
+    template <typename Indexer, typename Properties>
+    int CreateTracks(int32_t available, int32_t limit, Properties* (CContainer::*describe)(int32_t),
+                     RObject<Indexer>* indexers, int32_t& count);
     void ReleaseMediaIndexers();
     int ReadIndex();
     int ReadRounds();
