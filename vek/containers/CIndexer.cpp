@@ -47,58 +47,56 @@ int CIndexer::Begin(bool background)
         SetState(Failed);
         return result;
     }
-    if (!background)
-        return RESULT_OK;
+    return background ? StartIndexThread() : RESULT_OK;
+}
+
+int CIndexer::StartIndexThread()
+{
     {
         CAutoLock lock(this);
         m_passStarted = true;
     }
     SetState(Active);
     m_threadRunning.store(true);
-    if (!Platform::ThreadStart(m_thread, IndexThread, this, "CIndexer::IndexThread")) {
-        m_threadRunning.store(false);
-        Log(LogLevel::Error, "CIndexer::Begin: the index thread could not be started\n");
-        CompleteTracks();
-        EndReaderIndex();
-        SetState(Failed);
-        return RESULT_ERROR;
+    if (Platform::ThreadStart(m_thread, IndexThread, this, "CIndexer::IndexThread"))
+        return RESULT_OK;
+    m_threadRunning.store(false);
+    Log(LogLevel::Error, "CIndexer::Begin: the index thread could not be started\n");
+    CompleteTracks();
+    EndReaderIndex();
+    SetState(Failed);
+    return RESULT_ERROR;
+}
+
+// One index per described track, in track order, up to `limit` tracks.
+template <typename Indexer, typename Properties>
+int CIndexer::CreateTracks(int32_t available, int32_t limit, Properties* (CContainer::*describe)(int32_t),
+                           RObject<Indexer>* indexers, int32_t& count)
+{
+    const int32_t tracks = std::min(available, limit);
+    for (int32_t track = 0; track < tracks; ++track) {
+        Properties* properties = (m_reader.Get()->*describe)(track);
+        if (!properties)
+            return RESULT_ERROR;
+        indexers[track] = Indexer::Create(properties);
+        if (!indexers[track])
+            return RESULT_OUT_OF_MEMORY;
+        count = track + 1;
     }
     return RESULT_OK;
 }
 
 int CIndexer::CreateMediaIndexers()
 {
-    const int32_t video = std::min(m_reader->GetVideoMediaCount(), int32_t(CContainer::MaxVideoMedia));
-    const int32_t audio = std::min(m_reader->GetAudioMediaCount(), int32_t(CContainer::MaxAudioMedia));
-    const int32_t subtitle = std::min(m_reader->GetSubtitleMediaCount(), int32_t(CContainer::MaxSubtitleMedia));
-    for (int32_t track = 0; track < video; ++track) {
-        CVideoProperties* properties = m_reader->GetVideoProperties(track);
-        if (!properties)
-            return RESULT_ERROR;
-        m_video[track] = CVideoIndexer::Create(properties);
-        if (!m_video[track])
-            return RESULT_OUT_OF_MEMORY;
-        m_videoCount = track + 1;
-    }
-    for (int32_t track = 0; track < audio; ++track) {
-        CAudioProperties* properties = m_reader->GetAudioProperties(track);
-        if (!properties)
-            return RESULT_ERROR;
-        m_audio[track] = CAudioIndexer::Create(properties);
-        if (!m_audio[track])
-            return RESULT_OUT_OF_MEMORY;
-        m_audioCount = track + 1;
-    }
-    for (int32_t track = 0; track < subtitle; ++track) {
-        CSubtitleProperties* properties = m_reader->GetSubtitleProperties(track);
-        if (!properties)
-            return RESULT_ERROR;
-        m_subtitle[track] = CSubtitleIndexer::Create(properties);
-        if (!m_subtitle[track])
-            return RESULT_OUT_OF_MEMORY;
-        m_subtitleCount = track + 1;
-    }
-    return RESULT_OK;
+    int result = CreateTracks(m_reader->GetVideoMediaCount(), int32_t(CContainer::MaxVideoMedia),
+                              &CContainer::GetVideoProperties, m_video, m_videoCount);
+    if (result >= 0)
+        result = CreateTracks(m_reader->GetAudioMediaCount(), int32_t(CContainer::MaxAudioMedia),
+                              &CContainer::GetAudioProperties, m_audio, m_audioCount);
+    if (result >= 0)
+        result = CreateTracks(m_reader->GetSubtitleMediaCount(), int32_t(CContainer::MaxSubtitleMedia),
+                              &CContainer::GetSubtitleProperties, m_subtitle, m_subtitleCount);
+    return result;
 }
 
 void CIndexer::ReleaseMediaIndexers()
@@ -157,18 +155,22 @@ void CIndexer::EndReaderIndex()
 
 int CIndexer::ReadIndex()
 {
-    const int result = ReadRounds();
+    int result = ReadRounds();
+    const int completed = CompleteTracks();
+    if (result >= 0)
+        result = completed;
     if (result < 0)
         Log(LogLevel::Error, "CIndexer::ReadIndex: the pass ended with %d (%s)\n", result, GetResultName(result));
-    CompleteTracks();
     EndReaderIndex();
     double longest = 0.0;
     for (int32_t slot = 0; slot < TrackCount(); ++slot)
         longest = std::max(longest, MediaIndexerAt(slot)->GetDurationInSeconds());
     SetDuration(longest);
+    // The last report comes before the waiters wake: a host that frees the
+    // callback's context once WaitForIndex returns must not be called after.
     const uint32_t state = result < 0 ? Failed : Complete;
-    SetState(state);
     ReportProgress(state);
+    SetState(state);
     return result;
 }
 
@@ -297,10 +299,16 @@ int CIndexer::ReportProgress(uint32_t state)
     return callback ? callback(context, state, Progress()) : 0;
 }
 
-void CIndexer::CompleteTracks()
+// Every track completes; the first failure is returned.
+int CIndexer::CompleteTracks()
 {
-    for (int32_t slot = 0; slot < TrackCount(); ++slot)
-        MediaIndexerAt(slot)->OnComplete();
+    int first = RESULT_OK;
+    for (int32_t slot = 0; slot < TrackCount(); ++slot) {
+        const int result = MediaIndexerAt(slot)->OnComplete();
+        if (result < 0 && first >= 0)
+            first = result;
+    }
+    return first;
 }
 
 void CIndexer::SetDuration(double seconds)

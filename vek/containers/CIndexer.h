@@ -61,8 +61,8 @@ public:
     // Precondition: state "idle", Begin not called before, End not called.
     // Returns 0; -19001 without a reader; -19010 out of order; the reader's
     // failure as it is; -19000 for a track without a description; -19002
-    // without memory. After a failure (other than -19001) the state is
-    // "fail" and Begin may not be called again.
+    // without memory. After any other failure than -19001 and -19010 the
+    // state is "fail" and Begin may not be called again.
     int Begin(bool background);
 
     // The same pass the background thread runs, on the caller's thread, for
@@ -129,7 +129,11 @@ protected:
 
 private:
     static int IndexThread(void* context);
+    int StartIndexThread();
     int CreateMediaIndexers();
+    template <typename Indexer, typename Properties>
+    int CreateTracks(int32_t available, int32_t limit, Properties* (CContainer::*describe)(int32_t),
+                     RObject<Indexer>* indexers, int32_t& count);
     void ReleaseMediaIndexers();
     int ReadIndex();
     int ReadRounds();
@@ -141,7 +145,7 @@ private:
     int32_t TrackCount() const { return m_videoCount + m_audioCount + m_subtitleCount; }
     double Progress() const;
     int ReportProgress(uint32_t state);
-    void CompleteTracks();
+    int CompleteTracks();
     void SetDuration(double seconds);
     void SetState(uint32_t state);
     void EndReaderIndex();

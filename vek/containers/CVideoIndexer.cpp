@@ -112,12 +112,11 @@ int CVideoIndexer::SortGroup(int32_t* ranks, int32_t count)
 int CVideoIndexer::OnComplete()
 {
     CAutoLock lock(this);
-    if (!IsCompleteLocked()) {
-        const int result = OnGroupComplete();
-        if (result < 0)
-            return result;
-    }
-    return CMediaIndexer::OnComplete();
+    // The track completes even when the last group cannot be sorted: it
+    // then has no presentation order, and the failure is returned.
+    const int sorted = IsCompleteLocked() ? RESULT_OK : OnGroupComplete();
+    const int result = CMediaIndexer::OnComplete();
+    return sorted < 0 ? sorted : result;
 }
 
 int CVideoIndexer::GetSample(int32_t index, CVideoSample*& sample)

@@ -32,7 +32,9 @@ public:
     // Appends the next sample in decode order (shared). -19004 null, -19010
     // once complete, -19002 without memory (the sample is then not indexed).
     int AddSample(CVideoSample* sample);
-    // Closes the last group, then completes the track.
+    // Closes the last group, then completes the track. -19002 when the
+    // last group cannot be sorted for want of memory: the track completes
+    // anyway, without a presentation order for that group.
     int OnComplete() override;
 
     using CMediaIndexer::GetSample;

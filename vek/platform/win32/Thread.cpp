@@ -4,6 +4,7 @@
 
 #include <process.h>
 
+#include <cstring>
 #include <new>
 
 namespace Quorvex::Vek::Platform {
@@ -34,7 +35,11 @@ SetThreadDescriptionFunction FindSetThreadDescription()
     if (!kernel)
         return nullptr;
     FARPROC address = GetProcAddress(kernel, "SetThreadDescription");
-    return reinterpret_cast<SetThreadDescriptionFunction>(reinterpret_cast<void*>(address));
+    // Copied rather than cast: the two function types differ by design.
+    SetThreadDescriptionFunction function = nullptr;
+    static_assert(sizeof function == sizeof address, "function pointers of one size");
+    std::memcpy(&function, &address, sizeof function);
+    return function;
 }
 
 void NameCallingThread(const char* name)
