@@ -169,7 +169,11 @@ TEST(ContainerContextTest, FileListWalksNamesAndResolvesPaths)
     ASSERT_TRUE(forFile);
     EXPECT_EQ(Str(RObject<CString>(forFile->GetCurrentFileName())), "x.wav");
     EXPECT_EQ(Str(RObject<CString>(forFile->GetCurrentFilePath())), dir.File("x.wav"));
-    EXPECT_EQ(CContainerDirectoryContext::CreateForFile(Text("bare.wav")), nullptr);
+    RObject<CContainerDirectoryContext> bare(CContainerDirectoryContext::CreateForFile(Text("bare.wav")));
+    ASSERT_TRUE(bare) << "a bare name lies in the current folder";
+    EXPECT_EQ(Str(RObject<CString>(bare->GetCurrentFileName())), "bare.wav");
+    EXPECT_EQ(Str(RObject<CString>(bare->GetCurrentFilePath())), "./bare.wav");
+    EXPECT_EQ(CContainerDirectoryContext::CreateForFile(Text("")), nullptr);
 }
 
 TEST(ContainerContextTest, MultiFileContextTagsEntriesAndOpensBesideThem)

@@ -30,7 +30,12 @@ CContainerDirectoryContext* CContainerDirectoryContext::Create(CString* path)
 
 CContainerDirectoryContext* CContainerDirectoryContext::CreateForFile(CString* filePath)
 {
+    if (!filePath || !*filePath->GetChars())
+        return nullptr;
+    // A bare file name lies in the current folder.
     RObject<CString> directory(DirectoryOf(filePath));
+    if (!directory)
+        directory = RObject<CString>(CString::Create("./"));
     if (!directory)
         return nullptr;
     RObject<CContainerDirectoryContext> context(Create(directory));

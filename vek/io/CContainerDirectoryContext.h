@@ -17,7 +17,8 @@ public:
     // path or when out of memory.
     static CContainerDirectoryContext* Create(CString* path);
     // A context for the directory of `filePath` with that file as its
-    // first name; null when the path has no directory part.
+    // first name (a bare file name: the current folder); null for a null
+    // or empty path.
     static CContainerDirectoryContext* CreateForFile(CString* filePath);
 
     // The directory, a new reference.
