@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include <vek/containers/CIndexer.h>
+#include <vek/containers/ContainerAnalyzer.h>
 #include <vek/media/AudioFormat.h>
 #include <vek/media/AudioProperty.h>
 
@@ -62,7 +62,7 @@ struct ProbeFacts {
     std::vector<AudioFacts> audio;
 };
 
-AudioFacts DescribeAudio(CAudioProperties* properties, CMediaIndexer* index)
+AudioFacts DescribeAudio(CAudioProperties* properties, int64_t samples)
 {
     AudioFacts facts;
     facts.format = properties->GetFormat();
@@ -75,7 +75,7 @@ AudioFacts DescribeAudio(CAudioProperties* properties, CMediaIndexer* index)
     facts.bitRate = properties->GetBitRate();
     facts.frames = properties->GetDuration();
     facts.seconds = facts.sampleRate > 0 ? double(facts.frames) / facts.sampleRate : 0;
-    facts.samples = index ? index->GetSampleCount() : 0;
+    facts.samples = samples;
     for (int32_t channel = 0; channel < facts.channels && channel < CAudioProperties::MaxChannels; ++channel) {
         uint32_t position = 0;
         properties->GetSpeakerPosition(channel, position);
@@ -93,24 +93,21 @@ AudioFacts DescribeAudio(CAudioProperties* properties, CMediaIndexer* index)
 // Reads the file's facts; kExitOk or kExitFailure after a message.
 int Probe(MediaSource& source, ProbeFacts& facts)
 {
-    CContainerReader* reader = source.reader;
-    RObject<CIndexer> indexer(CIndexer::Create(reader));
-    if (!indexer)
-        return ReportIndexFailure("probe", source, RESULT_OUT_OF_MEMORY);
-    // Headers first, then the pass on this thread: it counts the samples.
-    int result = indexer->Begin(false);
-    if (result >= 0)
-        result = indexer->RunIndexPass();
-    if (result < 0)
+    // Headers and the whole index pass, on this thread: it counts the samples.
+    int result = RESULT_OK;
+    ContainerAnalyzer analyzer =
+        ContainerAnalyzer::Analyze(ContainerReader::FromObject(source.reader), &result);
+    if (analyzer.IsNull())
         return ReportIndexFailure("probe", source, result);
-    facts.formatName = reader->GetFormatName();
+    CContainerReader* reader = source.reader;
+    facts.formatName = analyzer.GetFormatName();
     facts.tags = ContainerTags(reader);
-    facts.seconds = indexer->GetDuration();
+    facts.seconds = analyzer.GetDuration();
     const int32_t tracks = reader->GetAudioMediaCount();
     for (int32_t track = 0; track < tracks; ++track) {
         CAudioProperties* properties = reader->GetAudioProperties(track);
         if (properties)
-            facts.audio.push_back(DescribeAudio(properties, indexer->GetAudioIndexer(track)));
+            facts.audio.push_back(DescribeAudio(properties, analyzer.GetAudioSampleCount(track)));
     }
     return kExitOk;
 }

@@ -23,3 +23,4 @@
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
+#include <vek/containers/ContainerAnalyzer.h>
