@@ -251,16 +251,6 @@ TEST(CFloatArray, LengthAndData)
     EXPECT_EQ(f->GetType(), CFloatArray::Type);
 }
 
-TEST(CValue, BoxesAValue)
-{
-    RObject<CValue<double>> v(CValue<double>::Create(2.5));
-    EXPECT_EQ(v->Get(), 2.5);
-    v->Set(-1.0);
-    EXPECT_EQ(v->Get(), -1.0);
-    RObject<CValue<std::string>> s(CValue<std::string>::Create("abc"));
-    EXPECT_EQ(s->Get(), "abc");
-}
-
 TEST(CDictionary, InsertionOrderReplaceAndRemove)
 {
     RObject<Dictionary> d(Dictionary::Create());
