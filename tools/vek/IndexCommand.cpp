@@ -1,6 +1,7 @@
 // vek index: indexes a file on the library's background index thread, with
 // a progress bar on a terminal, and reports the outcome per track.
 #include "Commands.h"
+#include "FileCommandLine.h"
 #include "Json.h"
 #include "MediaSource.h"
 #include "Terminal.h"
@@ -56,28 +57,10 @@ int RunIndex(int argc, char** argv)
     bool json = false;
     bool quiet = false;
     const char* file = nullptr;
-    for (int i = 0; i < argc; ++i) {
-        const char* arg = argv[i];
-        if (!std::strcmp(arg, "--help") || !std::strcmp(arg, "-h")) {
-            PrintUsage(stdout);
-            return kExitOk;
-        }
-        if (!std::strcmp(arg, "--json")) {
-            json = true;
-        } else if (!std::strcmp(arg, "--quiet")) {
-            quiet = true;
-        } else if ((arg[0] == '-' && arg[1] != 0) || file) {
-            std::fprintf(stderr, file ? "vek index: give one file\n\n" : "vek index: unknown option '%s'\n\n", arg);
-            PrintUsage(stderr);
-            return kExitUsage;
-        } else {
-            file = arg;
-        }
-    }
-    if (!file) {
-        PrintUsage(stderr);
-        return kExitUsage;
-    }
+    const int parsed =
+        ParseFileCommandLine("index", argc, argv, {{"--json", &json}, {"--quiet", &quiet}}, {}, PrintUsage, file);
+    if (parsed >= 0)
+        return parsed;
     MediaSource source;
     const int status = OpenMediaSource("index", file, source);
     if (status != kExitOk)

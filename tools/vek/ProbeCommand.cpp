@@ -3,6 +3,7 @@
 // every track with its properties and sample count, as text for people or
 // one JSON object for scripts.
 #include "Commands.h"
+#include "FileCommandLine.h"
 #include "Json.h"
 #include "MediaSource.h"
 #include "MediaText.h"
@@ -199,30 +200,9 @@ int RunProbe(int argc, char** argv)
 {
     bool json = false;
     const char* file = nullptr;
-    for (int i = 0; i < argc; ++i) {
-        const char* arg = argv[i];
-        if (!std::strcmp(arg, "--help") || !std::strcmp(arg, "-h")) {
-            PrintUsage(stdout);
-            return kExitOk;
-        }
-        if (!std::strcmp(arg, "--json")) {
-            json = true;
-        } else if (arg[0] == '-' && arg[1] != 0) {
-            std::fprintf(stderr, "vek probe: unknown option '%s'\n\n", arg);
-            PrintUsage(stderr);
-            return kExitUsage;
-        } else if (file) {
-            std::fputs("vek probe: give one file\n\n", stderr);
-            PrintUsage(stderr);
-            return kExitUsage;
-        } else {
-            file = arg;
-        }
-    }
-    if (!file) {
-        PrintUsage(stderr);
-        return kExitUsage;
-    }
+    const int parsed = ParseFileCommandLine("probe", argc, argv, {{"--json", &json}}, {}, PrintUsage, file);
+    if (parsed >= 0)
+        return parsed;
     MediaSource source;
     int status = OpenMediaSource("probe", file, source);
     ProbeFacts facts;

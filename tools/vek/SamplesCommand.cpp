@@ -1,6 +1,7 @@
 // vek samples: the samples a reader cuts from a file, track by track, in
 // decode order: index, time, duration, byte position and size.
 #include "Commands.h"
+#include "FileCommandLine.h"
 #include "Json.h"
 #include "MediaSource.h"
 
@@ -93,35 +94,19 @@ int RunSamples(int argc, char** argv)
 {
     bool json = false;
     int64_t limit = INT64_MAX;
+    const auto takeLimit = [&limit](const char* value) {
+        char* end = nullptr;
+        limit = value ? std::strtoll(value, &end, 10) : -1;
+        if (limit >= 0 && end && !*end)
+            return true;
+        std::fputs("vek samples: --limit takes a count of 0 or more\n", stderr);
+        return false;
+    };
     const char* file = nullptr;
-    for (int i = 0; i < argc; ++i) {
-        const char* arg = argv[i];
-        if (!std::strcmp(arg, "--help") || !std::strcmp(arg, "-h")) {
-            PrintUsage(stdout);
-            return kExitOk;
-        }
-        if (!std::strcmp(arg, "--json")) {
-            json = true;
-        } else if (!std::strcmp(arg, "--limit")) {
-            char* end = nullptr;
-            limit = i + 1 < argc ? std::strtoll(argv[++i], &end, 10) : -1;
-            if (limit < 0 || !end || *end) {
-                std::fputs("vek samples: --limit takes a count of 0 or more\n\n", stderr);
-                PrintUsage(stderr);
-                return kExitUsage;
-            }
-        } else if ((arg[0] == '-' && arg[1] != 0) || file) {
-            std::fprintf(stderr, file ? "vek samples: give one file\n\n" : "vek samples: unknown option '%s'\n\n", arg);
-            PrintUsage(stderr);
-            return kExitUsage;
-        } else {
-            file = arg;
-        }
-    }
-    if (!file) {
-        PrintUsage(stderr);
-        return kExitUsage;
-    }
+    const int parsed =
+        ParseFileCommandLine("samples", argc, argv, {{"--json", &json}}, {{"--limit", takeLimit}}, PrintUsage, file);
+    if (parsed >= 0)
+        return parsed;
     MediaSource source;
     int status = OpenMediaSource("samples", file, source);
     if (status != kExitOk)

@@ -161,8 +161,12 @@ int CContainerReader::ReadSubtitleMetadata(int32_t, unsigned int, CContainerData
     return RESULT_NOT_IMPLEMENTED;
 }
 
-template <typename Sample, typename Fetch>
-int CContainerReader::ResolveData(Sample* sample, Fetch fetch)
+namespace {
+
+// Fetches the bytes of a sample whose data reference is still a container
+// range and hands them to `use`; any other sample is left as it is (0).
+template <typename Fetch, typename Use>
+int ResolveRange(CMediaSample* sample, Fetch fetch, Use use)
 {
     if (!sample)
         return RESULT_ARGUMENT_NULL;
@@ -172,9 +176,15 @@ int CContainerReader::ResolveData(Sample* sample, Fetch fetch)
     CMemoryDataReference* fetched = nullptr;
     const int result = fetch(static_cast<CContainerDataReference*>(reference), fetched);
     RObject<CMemoryDataReference> data(fetched);
-    if (result < 0)
-        return result;
-    return sample->SetDataReference(data);
+    return result < 0 ? result : use(data.Get());
+}
+
+} // namespace
+
+template <typename Sample, typename Fetch>
+int CContainerReader::ResolveData(Sample* sample, Fetch fetch)
+{
+    return ResolveRange(sample, fetch, [sample](CMemoryDataReference* data) { return sample->SetDataReference(data); });
 }
 
 int CContainerReader::ReadVideoData(int32_t track, CVideoSample* sample)
@@ -212,34 +222,20 @@ int AttachMetadata(CMediaSample* sample, CMemoryDataReference* data)
     return sample->SetMetadata(metadata);
 }
 
-template <typename Sample, typename Fetch>
-int ResolveMetadata(Sample* sample, Fetch fetch)
-{
-    if (!sample)
-        return RESULT_ARGUMENT_NULL;
-    CMediaSampleDataReference* reference = sample->GetDataReference();
-    if (!reference || !reference->IsType(CContainerDataReference::Type))
-        return RESULT_OK;
-    CMemoryDataReference* fetched = nullptr;
-    const int result = fetch(static_cast<CContainerDataReference*>(reference), fetched);
-    RObject<CMemoryDataReference> data(fetched);
-    return result < 0 ? result : AttachMetadata(sample, data);
-}
-
 } // namespace
 
 int CContainerReader::ReadVideoMetadata(int32_t track, CVideoSample* sample)
 {
-    return ResolveMetadata(sample, [&](CContainerDataReference* range, CMemoryDataReference*& data) {
+    return ResolveRange(sample, [&](CContainerDataReference* range, CMemoryDataReference*& data) {
         return ReadVideoMetadata(track, CMetadata::Type, range, data);
-    });
+    }, [sample](CMemoryDataReference* data) { return AttachMetadata(sample, data); });
 }
 
 int CContainerReader::ReadAudioMetadata(int32_t track, CAudioSample* sample)
 {
-    return ResolveMetadata(sample, [&](CContainerDataReference* range, CMemoryDataReference*& data) {
+    return ResolveRange(sample, [&](CContainerDataReference* range, CMemoryDataReference*& data) {
         return ReadAudioMetadata(track, CMetadata::Type, range, data);
-    });
+    }, [sample](CMemoryDataReference* data) { return AttachMetadata(sample, data); });
 }
 
 int CContainerReader::ReadData(CStream* stream, int64_t position, CByteArray* data)

@@ -51,6 +51,20 @@ int CAudioFileReader::ReadAudioData(int32_t track, CContainerDataReference* rang
     return ReadData(m_stream, range, data);
 }
 
+int CAudioFileReader::BeginIndex()
+{
+    int result = OpenTrack();
+    if (result >= 0) {
+        CAutoLock lock(m_stream);
+        result = IndexHeader();
+    }
+    if (result < 0) {
+        ForgetHeaderFacts();
+        DropTrack();
+    }
+    return result;
+}
+
 int CAudioFileReader::OpenTrack()
 {
     DropTrack();

@@ -4,10 +4,11 @@
 // AIFF): one audio track whose sound data is one contiguous byte range of
 // the file, cut into samples that point into it.
 //
-// A subclass's BeginIndex calls OpenTrack, parses its header into
-// GetAudio() and the sound-data layout, and ends with CommitTrack (or
-// DropTrack on failure, leaving no track). Its ReadAudioSample cuts
-// samples with CutPcmSample. Media is ready once BeginIndex has returned,
+// BeginIndex opens the file, then a subclass's IndexHeader parses the
+// header (with the stream's monitor held) into GetAudio() and the
+// sound-data layout and ends with CommitTrack; on failure the base forgets
+// the track and ForgetHeaderFacts drops what the parse stored elsewhere.
+// A subclass's ReadAudioSample cuts samples with CutPcmSample. Media is ready once BeginIndex has returned,
 // so IsAudioReady and WaitForMedia answer true without waiting.
 #include <vek/containers/CContainerReader.h>
 #include <vek/core/RObject.h>
@@ -27,6 +28,8 @@ public:
     CAudioProperties* GetAudioProperties(int32_t track) override;
     bool IsAudioReady(int32_t track) override;
     bool WaitForMedia(int32_t milliseconds) override;
+    // Reads the header once; 0, or the parse's code with no track left.
+    int BeginIndex() override;
     // Nothing to drop: succeeds.
     int EndIndex() override;
 
@@ -49,8 +52,12 @@ protected:
     CAudioFileReader(uint32_t type, unsigned int flags);
     ~CAudioFileReader() override;
 
-    // Opens the context's file and makes an empty description. 0 or a code.
-    int OpenTrack();
+    // Parses the header from the start of GetStream() into GetAudio() and
+    // commits the track. 0, -19000 for a file the reader cannot read
+    // (logged), or the stream's code.
+    virtual int IndexHeader() = 0;
+    // Drops the facts a failed parse may have stored beyond the track.
+    virtual void ForgetHeaderFacts() {}
     // Publishes the track: its layout, its duration (frames) and read
     // position 0.
     int CommitTrack(const SoundData& data);
@@ -79,6 +86,9 @@ protected:
     int CutPcmSample(CAudioSample*& sample, Advance order);
 
 private:
+    // Opens the context's file and makes an empty description. 0 or a code.
+    int OpenTrack();
+
     RObject<CStream> m_stream;
     RObject<CAudioProperties> m_audio;
     SoundData m_data;

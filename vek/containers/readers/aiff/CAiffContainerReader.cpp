@@ -54,20 +54,9 @@ int CAiffContainerReader::Validate(CStream* stream)
     return form == Aiff ? MatchScore : 0;
 }
 
-int CAiffContainerReader::BeginIndex()
-{
-    const int result = IndexHeader();
-    if (result < 0)
-        DropTrack();
-    return result;
-}
-
 int CAiffContainerReader::IndexHeader()
 {
-    int result = OpenTrack();
-    if (result < 0)
-        return result;
-    CAutoLock lock(GetStream());
+    int result = RESULT_OK;
     CBinaryReader reader(GetStream(), ByteOrder::BigEndian);
     Walk walk;
     if ((result = ReadFormHeader(reader)) < 0 || (result = WalkChunks(reader, walk)) < 0)

@@ -29,21 +29,19 @@ public:
     const char* GetFormatName() override { return "AIFF"; }
     // MatchScore for "FORM", a size, then "AIFF"; 0 otherwise (AIFC too).
     int Validate(CStream* stream) override;
-    // Reads the chunks up to COMM and SSND, in whichever order they come.
-    // 0, -19000 for a file this reader cannot read (logged), or the
-    // stream's code; no track after a failure.
-    int BeginIndex() override;
     // The next second of sound; 0 with a null sample at the end, -19007
     // for a track other than 0.
     int ReadAudioSample(int32_t track, CAudioSample*& sample) override;
 
 protected:
+    // Reads the chunks up to COMM and SSND, in whichever order they come
+    // (BeginIndex).
+    int IndexHeader() override;
     ~CAiffContainerReader() override;
 
 private:
     struct Walk;
 
-    int IndexHeader();
     int ReadFormHeader(CBinaryReader& reader);
     int WalkChunks(CBinaryReader& reader, Walk& walk);
     int ReadCommon(CBinaryReader& reader, uint32_t size, Walk& walk);

@@ -67,22 +67,14 @@ int CWavContainerReader::Validate(CStream* stream)
     return form == Wave ? MatchScore : 0;
 }
 
-int CWavContainerReader::BeginIndex()
+void CWavContainerReader::ForgetHeaderFacts()
 {
-    const int result = IndexHeader();
-    if (result < 0) {
-        BroadcastAudioExtension::Remove(this);
-        DropTrack();
-    }
-    return result;
+    BroadcastAudioExtension::Remove(this);
 }
 
 int CWavContainerReader::IndexHeader()
 {
-    int result = OpenTrack();
-    if (result < 0)
-        return result;
-    CAutoLock lock(GetStream());
+    int result = RESULT_OK;
     CBinaryReader reader(GetStream());
     Walk walk;
     if ((result = ReadRiffHeader(reader)) < 0 || (result = WalkChunks(reader, walk)) < 0)

@@ -34,15 +34,14 @@ public:
     const char* GetFormatName() override { return "WAV"; }
     // MatchScore for "RIFF" or "RF64" followed by "WAVE"; 0 otherwise.
     int Validate(CStream* stream) override;
-    // Reads the chunks up to "data". 0, -19000 for a file this reader
-    // cannot read (logged), or the stream's code. Afterwards the reader
-    // has one track, or none after a failure.
-    int BeginIndex() override;
     // The next sample: one second of PCM or float, or one MPEG audio frame.
     // 0 with a null sample at the end; -19007 for a track other than 0.
     int ReadAudioSample(int32_t track, CAudioSample*& sample) override;
 
 protected:
+    // Reads the chunks up to "data" (BeginIndex).
+    int IndexHeader() override;
+    void ForgetHeaderFacts() override;
     ~CWavContainerReader() override;
 
     int ReadPcmAudioSample(CAudioSample*& sample);
@@ -53,7 +52,6 @@ protected:
 private:
     struct Walk;
 
-    int IndexHeader();
     int ReadRiffHeader(CBinaryReader& reader);
     int WalkChunks(CBinaryReader& reader, Walk& walk);
     int ReadChunk(CBinaryReader& reader, uint32_t id, uint32_t size, Walk& walk);

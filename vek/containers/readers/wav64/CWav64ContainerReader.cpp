@@ -54,22 +54,14 @@ int CWav64ContainerReader::Validate(CStream* stream)
     return form == wave ? MatchScore : 0;
 }
 
-int CWav64ContainerReader::BeginIndex()
+void CWav64ContainerReader::ForgetHeaderFacts()
 {
-    const int result = IndexHeader();
-    if (result < 0) {
-        BroadcastAudioExtension::Remove(this);
-        DropTrack();
-    }
-    return result;
+    BroadcastAudioExtension::Remove(this);
 }
 
 int CWav64ContainerReader::IndexHeader()
 {
-    int result = OpenTrack();
-    if (result < 0)
-        return result;
-    CAutoLock lock(GetStream());
+    int result = RESULT_OK;
     CBinaryReader reader(GetStream());
     Walk walk;
     if ((result = ReadRiffHeader(reader)) < 0 || (result = WalkChunks(reader, walk)) < 0)

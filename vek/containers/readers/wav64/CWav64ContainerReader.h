@@ -30,14 +30,14 @@ public:
     const char* GetFormatName() override { return "WAV64"; }
     // MatchScore for the riff GUID, a size, then the wave GUID; 0 otherwise.
     int Validate(CStream* stream) override;
-    // Reads the chunks up to data. 0, -19000 for a file this reader cannot
-    // read (logged), or the stream's code; no track after a failure.
-    int BeginIndex() override;
     // The next second of sound; 0 with a null sample at the end, -19007
     // for a track other than 0.
     int ReadAudioSample(int32_t track, CAudioSample*& sample) override;
 
 protected:
+    // Reads the GUID chunks up to data (BeginIndex).
+    int IndexHeader() override;
+    void ForgetHeaderFacts() override;
     ~CWav64ContainerReader() override;
 
     int ReadBroadcastAudioExtension(CBinaryReader* reader, int64_t size);
@@ -45,7 +45,6 @@ protected:
 private:
     struct Walk;
 
-    int IndexHeader();
     int ReadRiffHeader(CBinaryReader& reader);
     int WalkChunks(CBinaryReader& reader, Walk& walk);
     int ReadChunk(CBinaryReader& reader, const _Guid& id, int64_t size, Walk& walk);
