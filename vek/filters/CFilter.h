@@ -254,6 +254,16 @@ protected:
         return RESULT_OK;
     }
 
+    // One write and one read, for the kinds' single-call operations
+    // (Compress, Decompress, Analyze ...): the write's failure, else the
+    // read's answer (0 with a sample in `output`, 1 without).
+    int WriteAndRead(InputSample* input, OutputSample*& output)
+    {
+        output = nullptr;
+        const int written = WriteSample(input);
+        return written < 0 ? written : ReadSample(output);
+    }
+
 private:
     int ChooseFirstOutputFormat()
     {

@@ -1,16 +1,34 @@
 #pragma once
 
 // Every class of the filter framework.
+#include <vek/filters/AnalysisResult.h>
 #include <vek/filters/AudioMetadataQueue.h>
+#include <vek/filters/CAudioAnalyzer.h>
+#include <vek/filters/CAudioCompressor.h>
 #include <vek/filters/CAudioConverter.h>
+#include <vek/filters/CAudioDecompressor.h>
+#include <vek/filters/CAudioFanInConverter.h>
 #include <vek/filters/CAudioFilter.h>
+#include <vek/filters/CCompressorVariant.h>
 #include <vek/filters/CFilter.h>
 #include <vek/filters/CFilterBase.h>
 #include <vek/filters/CFilterContext.h>
+#include <vek/filters/CMergeFanInConverter.h>
+#include <vek/filters/CMetadataAnalyzer.h>
+#include <vek/filters/CMetadataConverter.h>
+#include <vek/filters/CMetadataFilter.h>
+#include <vek/filters/CSubtitleConverter.h>
+#include <vek/filters/CSubtitleFilter.h>
+#include <vek/filters/CVideoAnalyzer.h>
+#include <vek/filters/CVideoCompressor.h>
 #include <vek/filters/CVideoConverter.h>
+#include <vek/filters/CVideoDecompressor.h>
+#include <vek/filters/CVideoFanOutCompressor.h>
 #include <vek/filters/CVideoFilter.h>
 #include <vek/filters/FilterType.h>
+#include <vek/filters/FrameRequests.h>
 #include <vek/filters/VideoConfiguration.h>
 #include <vek/filters/VideoFrameLayout.h>
 #include <vek/filters/VideoMetadataQueue.h>
 #include <vek/filters/graphics/CGraphicsContext.h>
+#include <vek/filters/graphics/CGraphicsRenderer.h>
