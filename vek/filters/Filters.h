@@ -1,7 +1,13 @@
 #pragma once
 
-// Every class of the filter framework.
+// Every class of the filter framework and its public wrappers.
 #include <vek/filters/AnalysisResult.h>
+#include <vek/filters/AudioAnalyzer.h>
+#include <vek/filters/AudioCompressor.h>
+#include <vek/filters/AudioConverter.h>
+#include <vek/filters/AudioDecompressor.h>
+#include <vek/filters/AudioFanInConverter.h>
+#include <vek/filters/AudioFilter.h>
 #include <vek/filters/AudioMetadataQueue.h>
 #include <vek/filters/CAudioAnalyzer.h>
 #include <vek/filters/CAudioCompressor.h>
@@ -25,9 +31,21 @@
 #include <vek/filters/CVideoDecompressor.h>
 #include <vek/filters/CVideoFanOutCompressor.h>
 #include <vek/filters/CVideoFilter.h>
+#include <vek/filters/CompressorVariant.h>
 #include <vek/filters/FilterType.h>
 #include <vek/filters/FrameRequests.h>
+#include <vek/filters/MetadataAnalyzer.h>
+#include <vek/filters/MetadataConverter.h>
+#include <vek/filters/MetadataFilter.h>
+#include <vek/filters/SubtitleConverter.h>
+#include <vek/filters/SubtitleFilter.h>
+#include <vek/filters/VideoAnalyzer.h>
+#include <vek/filters/VideoCompressor.h>
 #include <vek/filters/VideoConfiguration.h>
+#include <vek/filters/VideoConverter.h>
+#include <vek/filters/VideoDecompressor.h>
+#include <vek/filters/VideoFanOutCompressor.h>
+#include <vek/filters/VideoFilter.h>
 #include <vek/filters/VideoFrameLayout.h>
 #include <vek/filters/VideoMetadataQueue.h>
 #include <vek/filters/graphics/CGraphicsContext.h>
