@@ -100,6 +100,8 @@ TEST(FilterWrapper, ReorderingSurvivesEveryFailedAllocation)
         while (filter->ReadSample(out) == RESULT_OK)
             RObject<CVideoSample>(out).Get();
         filter->End();
+        if (result < 0 && result != RESULT_OUT_OF_MEMORY)
+            ADD_FAILURE() << GetResultName(result);
         return result >= 0 || result == RESULT_OUT_OF_MEMORY || result == RESULT_UNEXPECTED;
     });
 }

@@ -49,7 +49,7 @@ protected:
             if (!input)
                 return 1;
             output = CVideoSample::Create();
-            return CopySampleMetadata(output, input);
+            return output ? CopySampleMetadata(output, input) : RESULT_OUT_OF_MEMORY;
         }
         if (!input) // the drain hands out a held picture alone
             return m_held ? Emit(m_heldKey, output) : 1;
@@ -77,14 +77,15 @@ private:
     {
         m_held = m_held && key != m_heldKey;
         output = CVideoSample::Create();
-        return DequeueAndMergeSampleMetadata(output, key);
+        return output ? DequeueAndMergeSampleMetadata(output, key) : RESULT_OUT_OF_MEMORY;
     }
 
     static FormatList* List(const std::vector<uint32_t>& formats)
     {
         FormatList* list = FormatList::Create();
         for (uint32_t format : formats)
-            list->Add(format);
+            if (list && list->Add(format) < 0)
+                return list->Release(), nullptr;
         return list;
     }
 

@@ -91,6 +91,8 @@ public:
     virtual int SetOutputFormat(unsigned int format)
     {
         if (!ValidateOutputFormat(format)) {
+            if (m_outputListFailed)
+                return RESULT_OUT_OF_MEMORY; // refused only because the list could not be made
             Log(LogLevel::Error, "CFilter::SetOutputFormat: filter '%s' cannot produce format '%s'\n",
                 FourCCText(GetType()).c_str(), FourCCText(format).c_str());
             return RESULT_FORMAT_ERROR;
@@ -228,6 +230,7 @@ protected:
     virtual bool ValidateOutputFormat(unsigned int format)
     {
         RObject<FormatList> outputs(GetOutputFormats());
+        m_outputListFailed = !outputs;
         return outputs && outputs->Contains(format);
     }
     // The output description for `format` (a new object in `properties`):
@@ -276,6 +279,7 @@ private:
     RObject<const InputProperties> m_inputProperties;
     RObject<OutputProperties> m_outputProperties;
     bool m_draining = false;
+    bool m_outputListFailed = false; // the last ValidateOutputFormat had no list for want of memory
     GetInputSampleCallback m_getInput = nullptr;
     void* m_getInputContext[2] = {};
     ReceiveOutputSampleCallback m_receiveOutput = nullptr;
