@@ -34,7 +34,7 @@ RObject<CVideoSample> Picture(int64_t time)
 RObject<TestVideoConverter> Configured()
 {
     RObject<TestVideoConverter> filter(new TestVideoConverter());
-    filter->outputFormats = {VideoFormat::Biplanar420YUV, VideoFormat::Packed422UYVY};
+    filter->outputFormats = {Four("NV12"), Four("UYVY")};
     filter->SetInputProperties(Described(VideoFormat::Planar420YUV));
     return filter;
 }
@@ -49,7 +49,7 @@ TEST(FilterLifeCycle, BeginChecksDescriptionsAndDefaultsTheOutput)
 
     RObject<TestVideoConverter> filter = Configured();
     ASSERT_EQ(filter->Begin(), RESULT_OK);
-    EXPECT_EQ(filter->GetOutputFormat(), VideoFormat::Biplanar420YUV);
+    EXPECT_EQ(filter->GetOutputFormat(), Four("NV12"));
     EXPECT_EQ(filter->GetOutputProperties()->GetWidth(), 64); // the output starts as a copy of the input
     EXPECT_EQ(filter->begins, 1);
 }
@@ -62,7 +62,7 @@ TEST(FilterLifeCycle, RefusedOutputFormatKeepsThePreviousOne)
     EXPECT_EQ(filter->SetOutputFormat(VideoFormat::Planar444YUV), RESULT_FORMAT_ERROR);
     EXPECT_EQ(filter->GetOutputProperties(), chosen);
     ASSERT_EQ(filter->Begin(), RESULT_OK);
-    EXPECT_EQ(filter->GetOutputFormat(), VideoFormat::Packed422UYVY); // Begin keeps a chosen format
+    EXPECT_EQ(filter->GetOutputFormat(), Four("UYVY")); // Begin keeps a chosen format
 }
 
 TEST(FilterLifeCycle, DrainRunsOnceAndRefusesInputUntilItEnds)

@@ -127,12 +127,12 @@ TEST(FilterNegotiation, EvaluateFallsBackToCanonicalThenCategoricalFormats)
         int score;
     };
     const Case cases[] = {
-        {{AudioFormat::Int16L}, AudioFormat::Int16L, 128},
-        {{AudioFormat::LPCM}, AudioFormat::Int24B, 128},       // canonical
-        {{AudioFormat::LPCM}, Four("s16l"), 128},               // an alias, canonical lpcm
-        {{AudioFormat::AAC}, AudioFormat::ADTS, 128},           // categorical
-        {{AudioFormat::LPCM}, AudioFormat::AC3, 0},
-        {{AudioFormat::Int16L}, AudioFormat::Int16B, 0},
+        {{+AudioFormat::Int16L}, +AudioFormat::Int16L, 128},
+        {{+AudioFormat::LPCM}, +AudioFormat::Int24B, 128},       // canonical
+        {{+AudioFormat::LPCM}, Four("s16l"), 128},               // an alias, canonical lpcm
+        {{+AudioFormat::AAC}, +AudioFormat::ADTS, 128},           // categorical
+        {{+AudioFormat::LPCM}, +AudioFormat::AC3, 0},
+        {{+AudioFormat::Int16L}, +AudioFormat::Int16B, 0},
     };
     for (const Case& test : cases) {
         RObject<TestAudioConverter> filter(new TestAudioConverter(test.accepted));
