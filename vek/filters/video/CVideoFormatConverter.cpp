@@ -105,8 +105,21 @@ int CVideoFormatConverter::Evaluate(const CVideoProperties* properties)
 
 bool CVideoFormatConverter::ValidateOutputFormat(unsigned int format)
 {
-    const PictureLayout layout = GetPictureLayout(format);
-    return layout != PictureLayout::None && CVideoConverter::ValidateOutputFormat(GetLayoutFormat(layout));
+    // Read from the table rather than from a new format list, so that a
+    // lack of memory is not mistaken for a format the converter refuses.
+    const CVideoProperties* input = GetInputProperties();
+    const PictureLayout outputLayout = GetPictureLayout(format);
+    if (!input || outputLayout == PictureLayout::None)
+        return false;
+    const PictureLayout inputLayout = GetPictureLayout(input->GetFormat());
+    for (const ConfigurationMap* entry = GetConfigurationTable(); !IsVideoConfigurationEnd(*entry); ++entry) {
+        const bool inputMatches = MatchesVideoConfiguration(entry->input, input) ||
+                                  (inputLayout != PictureLayout::None &&
+                                   entry->input.format == GetLayoutFormat(inputLayout));
+        if (inputMatches && entry->output.format == GetLayoutFormat(outputLayout))
+            return true;
+    }
+    return false;
 }
 
 int CVideoFormatConverter::CreateOutputProperties(unsigned int format, CVideoProperties*& properties)

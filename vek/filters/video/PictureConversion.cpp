@@ -37,6 +37,11 @@ PackedOrder OrderOf(const PictureLayoutTraits& traits)
 
 void CopyRows(const PicturePlane& from, const PicturePlane& to)
 {
+    // Rows without padding on both sides: one block.
+    if (from.stride == to.rowBytes && to.stride == to.rowBytes) {
+        std::memcpy(to.data, from.data, size_t(to.rowBytes) * size_t(to.rows));
+        return;
+    }
     for (int32_t row = 0; row < to.rows; ++row)
         std::memcpy(to.Row(row), from.Row(row), size_t(to.rowBytes));
 }
