@@ -17,6 +17,11 @@ CPixelDataReference::CPixelDataReference(uint32_t type, int32_t width, int32_t h
 
 CPixelDataReference::~CPixelDataReference() = default;
 
+bool CPixelDataReference::IsType(uint32_t type) const
+{
+    return type == Type || CMediaSampleDataReference::IsType(type);
+}
+
 int32_t CPixelDataReference::GetPlaneCount() const
 {
     return 0;

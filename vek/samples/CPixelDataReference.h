@@ -18,6 +18,10 @@ public:
     int32_t GetHeight() const { return m_height; }
     uint32_t GetPixelFormat() const { return m_pixelFormat; }
 
+    // True for this base's tag as well as the subclass's own, so that a
+    // holder of any data reference can tell a picture with planes.
+    bool IsType(uint32_t type) const override;
+
     virtual int32_t GetPlaneCount() const;
     // First byte and row stride of plane `index`; -19007 for a plane the
     // picture does not have (data null, stride 0).

@@ -18,6 +18,7 @@
 #include <vek/samples/CMetadataElement.h>
 #include <vek/samples/CPixelBufferDataReference.h>
 #include <vek/samples/CPixelDataReference.h>
+#include <vek/samples/CPlanarPixelDataReference.h>
 #include <vek/samples/CSubtitleSample.h>
 #include <vek/samples/CTimecodeMetadataElement.h>
 #include <vek/samples/CVideoSample.h>
