@@ -103,6 +103,25 @@ TEST(FilterBuffers, BlackPicturesOfPackedAndPlanarLayouts)
     EXPECT_EQ(made, nullptr);
 }
 
+TEST(FilterBuffers, PixelReferenceOfAFrameHasItsPlanesInStoredOrder)
+{
+    RObject<CVideoProperties> properties(new CVideoProperties());
+    properties->SetSize(5, 3);
+    properties->SetFormat(Four("YV12"));
+    CPixelDataReference* made = nullptr;
+    ASSERT_EQ(CVideoFilter::CreateDataReference(properties, made), RESULT_OK);
+    RObject<CPixelDataReference> pixels(made);
+    ASSERT_EQ(pixels->GetPlaneCount(), 3);
+    unsigned char* planes[3] = {};
+    int32_t strides[3] = {};
+    for (int32_t i = 0; i < 3; ++i)
+        ASSERT_EQ(pixels->GetPlane(i, planes[i], strides[i]), RESULT_OK);
+    EXPECT_EQ(strides[0], 5);
+    EXPECT_EQ(strides[1], 3);
+    EXPECT_EQ(planes[1] - planes[0], 15);
+    EXPECT_EQ(planes[2] - planes[1], 6);
+}
+
 TEST(FilterBuffers, SilenceOfEachPcmFamily)
 {
     struct Case {

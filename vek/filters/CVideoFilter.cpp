@@ -2,7 +2,7 @@
 #include <vek/filters/CVideoFilter.h>
 #include <vek/filters/VideoFrameLayout.h>
 #include <vek/media/VideoFormat.h>
-#include <vek/samples/CPixelBufferDataReference.h>
+#include <vek/samples/CPlanarPixelDataReference.h>
 
 namespace Quorvex::Vek {
 
@@ -243,24 +243,19 @@ int CVideoFilter::CreateIntermediateBuffer(const CVideoProperties* properties, C
 int CVideoFilter::CreateDataReference(const CVideoProperties* properties, CPixelDataReference*& reference)
 {
     reference = nullptr;
-    if (!properties)
-        return RESULT_ARGUMENT_NULL;
-    VideoFrameLayout layout;
-    int result = FrameLayoutOf(properties, layout);
+    CByteArray* made = nullptr;
+    int result = CreateIntermediateBuffer(properties, made);
     if (result < 0)
         return result;
-    // One plane of whole rows of the first plane's width holding every
-    // byte of the frame: packed rows as they are, planar planes one after
-    // another (GetSamplePlanes splits them).
-    const int32_t stride = layout.rowBytes[0];
-    const int64_t rows = (layout.totalBytes + stride - 1) / stride;
-    if (rows * stride > INT32_MAX)
-        return RESULT_ARGUMENT_OUT_OF_RANGE;
-    RObject<CByteArray> buffer(new (fallible) CByteArray(int32_t(rows * stride)));
-    if (!buffer || !buffer->GetData())
-        return RESULT_OUT_OF_MEMORY;
-    CPixelBufferDataReference* pixels = nullptr;
-    result = CPixelBufferDataReference::Create(buffer, stride, int32_t(rows), stride, 1, properties->GetFormat(), pixels);
+    RObject<CByteArray> buffer(made);
+    VideoFrameLayout layout;
+    GetVideoFrameLayout(properties->GetFormat(), properties->GetWidth(), properties->GetHeight(), layout);
+    CPlanarPixelDataReference::Plane planes[3] = {};
+    for (int32_t i = 0; i < layout.planeCount; ++i)
+        planes[i] = {int32_t(layout.offset[i]), layout.rowBytes[i], layout.rowBytes[i], layout.rows[i]};
+    CPlanarPixelDataReference* pixels = nullptr;
+    result = CPlanarPixelDataReference::Create(buffer, properties->GetWidth(), properties->GetHeight(),
+                                               properties->GetFormat(), planes, layout.planeCount, pixels);
     reference = pixels;
     return result;
 }

@@ -75,10 +75,10 @@ public:
     // The same, the picture painted black.
     static int GetBlackSampleFromPool(CPool<CVideoSample>* pool, const CVideoProperties* properties,
                                       CVideoSample*& sample);
-    // A one-plane pixel reference over a new buffer for one frame of
-    // `properties` (planar formats keep their planes one after the other in
-    // it; split them with GetSamplePlanes), or a linear reference of `size`
-    // bytes.
+    // A pixel reference over a new zeroed buffer holding one frame of
+    // `properties` with tight rows, its planes one after the other in
+    // stored order (CPlanarPixelDataReference), or a linear reference of
+    // `size` bytes.
     static int CreateDataReference(const CVideoProperties* properties, CPixelDataReference*& reference);
     static int CreateDataReference(const CVideoProperties* properties, int32_t size, CLinearDataReference*& reference);
     // A scratch array for one frame of `properties`.

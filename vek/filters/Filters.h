@@ -1,6 +1,7 @@
 #pragma once
 
-// Every class of the filter framework and its public wrappers.
+// Every class of the filter framework, its public wrappers and the filters
+// the library brings.
 #include <vek/filters/AnalysisResult.h>
 #include <vek/filters/AudioAnalyzer.h>
 #include <vek/filters/AudioCompressor.h>
@@ -50,3 +51,4 @@
 #include <vek/filters/VideoMetadataQueue.h>
 #include <vek/filters/graphics/CGraphicsContext.h>
 #include <vek/filters/graphics/CGraphicsRenderer.h>
+#include <vek/filters/video/CVideoFormatConverter.h>
