@@ -59,20 +59,10 @@ int CAudioFilter::Evaluate(const CAudioProperties* properties)
 int CAudioFilter::Flush()
 {
     CFilter::Flush();
-    if (m_outputQueue) {
-        CAutoLock lock(m_outputQueue);
-        m_outputQueue->Clear();
-    }
+    m_outputQueue.Clear();
     if (m_metadataQueue)
         m_metadataQueue->Clear();
     return RESULT_OK;
-}
-
-bool CAudioFilter::EnsureOutputQueue()
-{
-    if (!m_outputQueue)
-        m_outputQueue = RObject<CQueue<CAudioSample>>(CQueue<CAudioSample>::Create(m_outputCapacity));
-    return bool(m_outputQueue);
 }
 
 bool CAudioFilter::EnsureMetadataQueue()
@@ -84,29 +74,17 @@ bool CAudioFilter::EnsureMetadataQueue()
 
 int CAudioFilter::CoreReadSample(CAudioSample*& sample)
 {
-    sample = nullptr;
-    if (!m_outputQueue)
-        return 1;
-    CAutoLock lock(m_outputQueue);
-    return m_outputQueue->Dequeue(sample) == RESULT_OK ? RESULT_OK : 1;
+    return m_outputQueue.Dequeue(sample);
 }
 
 int CAudioFilter::EnqueueOutputSample(CAudioSample* sample)
 {
-    if (!sample)
-        return RESULT_ARGUMENT_NULL;
-    if (!EnsureOutputQueue())
-        return RESULT_OUT_OF_MEMORY;
-    CAutoLock lock(m_outputQueue);
-    return m_outputQueue->Enqueue(sample);
+    return m_outputQueue.Enqueue(sample);
 }
 
 int32_t CAudioFilter::GetPendingOutputSamples()
 {
-    if (!m_outputQueue)
-        return 0;
-    CAutoLock lock(m_outputQueue);
-    return m_outputQueue->GetCount();
+    return m_outputQueue.GetCount();
 }
 
 int CAudioFilter::EnqueueSampleMetadata(CAudioSample* sample)

@@ -11,6 +11,7 @@
 #include <vek/core/CPoolBase.h>
 #include <vek/filters/AudioMetadataQueue.h>
 #include <vek/filters/CFilter.h>
+#include <vek/filters/OutputSampleQueue.h>
 #include <vek/media/CAudioProperties.h>
 #include <vek/samples/CLinearDataReference.h>
 
@@ -65,16 +66,14 @@ protected:
     int EnqueueOutputSample(CAudioSample* sample);
     int32_t GetPendingOutputSamples();
     // The output queue's bound (0: unbounded), set before the first sample.
-    void SetOutputQueueCapacity(int32_t capacity) { m_outputCapacity = capacity; }
+    void SetOutputQueueCapacity(int32_t capacity) { m_outputQueue.SetCapacity(capacity); }
 
 private:
-    bool EnsureOutputQueue();
     bool EnsureMetadataQueue();
 
-    RObject<CQueue<CAudioSample>> m_outputQueue;
+    OutputSampleQueue<CAudioSample> m_outputQueue;
     RObject<AudioMetadataQueue> m_metadataQueue;
     RObject<CPool<CAudioSample>> m_samplePool;
-    int32_t m_outputCapacity = 0;
 };
 
 } // namespace Quorvex::Vek

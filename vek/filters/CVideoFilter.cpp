@@ -96,20 +96,10 @@ int CVideoFilter::Evaluate(const CVideoProperties* properties)
 int CVideoFilter::Flush()
 {
     CFilter::Flush();
-    if (m_outputQueue) {
-        CAutoLock lock(m_outputQueue);
-        m_outputQueue->Clear();
-    }
+    m_outputQueue.Clear();
     if (m_metadataQueue)
         m_metadataQueue->Clear();
     return RESULT_OK;
-}
-
-bool CVideoFilter::EnsureOutputQueue()
-{
-    if (!m_outputQueue)
-        m_outputQueue = RObject<CQueue<CVideoSample>>(CQueue<CVideoSample>::Create(m_outputCapacity));
-    return bool(m_outputQueue);
 }
 
 bool CVideoFilter::EnsureMetadataQueue()
@@ -121,29 +111,17 @@ bool CVideoFilter::EnsureMetadataQueue()
 
 int CVideoFilter::CoreReadSample(CVideoSample*& sample)
 {
-    sample = nullptr;
-    if (!m_outputQueue)
-        return 1;
-    CAutoLock lock(m_outputQueue);
-    return m_outputQueue->Dequeue(sample) == RESULT_OK ? RESULT_OK : 1;
+    return m_outputQueue.Dequeue(sample);
 }
 
 int CVideoFilter::EnqueueOutputSample(CVideoSample* sample)
 {
-    if (!sample)
-        return RESULT_ARGUMENT_NULL;
-    if (!EnsureOutputQueue())
-        return RESULT_OUT_OF_MEMORY;
-    CAutoLock lock(m_outputQueue);
-    return m_outputQueue->Enqueue(sample);
+    return m_outputQueue.Enqueue(sample);
 }
 
 int32_t CVideoFilter::GetPendingOutputSamples()
 {
-    if (!m_outputQueue)
-        return 0;
-    CAutoLock lock(m_outputQueue);
-    return m_outputQueue->GetCount();
+    return m_outputQueue.GetCount();
 }
 
 int CVideoFilter::GetOutputSample(int32_t index, CVideoSample*& sample)

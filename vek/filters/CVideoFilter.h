@@ -23,6 +23,7 @@
 // sample may be queued by one thread while another reads.
 #include <vek/core/CPoolBase.h>
 #include <vek/filters/CFilter.h>
+#include <vek/filters/OutputSampleQueue.h>
 #include <vek/filters/VideoConfiguration.h>
 #include <vek/filters/VideoMetadataQueue.h>
 #include <vek/samples/CLinearDataReference.h>
@@ -108,18 +109,16 @@ protected:
     int32_t GetPendingOutputSamples();
     // Bounds for the concrete filter, before its first sample: the output
     // queue (0: unbounded) and the metadata ring (see VideoMetadataQueue).
-    void SetOutputQueueCapacity(int32_t capacity) { m_outputCapacity = capacity; }
+    void SetOutputQueueCapacity(int32_t capacity) { m_outputQueue.SetCapacity(capacity); }
     void SetMetadataRingCapacity(int32_t capacity) { m_metadataRingCapacity = capacity; }
 
 private:
-    bool EnsureOutputQueue();
     bool EnsureMetadataQueue();
     FormatList* FormatsFromTable(bool inputs);
 
-    RObject<CQueue<CVideoSample>> m_outputQueue;
+    OutputSampleQueue<CVideoSample> m_outputQueue;
     RObject<VideoMetadataQueue> m_metadataQueue;
     RObject<CPool<CVideoSample>> m_samplePool;
-    int32_t m_outputCapacity = 0;
     int32_t m_metadataRingCapacity = VideoMetadataQueue::DefaultRingCapacity;
 };
 
