@@ -8,3 +8,4 @@
 #include <vek/components/Components.h>
 #include <vek/elementary/Elementary.h>
 #include <vek/containers/Containers.h>
+#include <vek/filters/Filters.h>

@@ -53,6 +53,10 @@ enum ResultCode : int32_t {
     RESULT_DISK_FULL = -19265,
     RESULT_BEYOND_INDEXER_PROGRESS = -19271,
     RESULT_BEYOND_END_OF_SAMPLES = -19272,
+    // Filter life-cycle failures; no entry in the name table either.
+    RESULT_FILTER_DRAINING = -19811,
+    RESULT_FILTER_NO_INPUT_PROPERTIES = -19812,
+    RESULT_FILTER_NO_OUTPUT_FORMAT = -19813,
 };
 
 // The name of a result for log messages: "RESULT_OK" for any value of 0 or

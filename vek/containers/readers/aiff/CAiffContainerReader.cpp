@@ -2,7 +2,7 @@
 
 #include <climits>
 
-#include <vek/containers/readers/FourCCText.h>
+#include <vek/core/FourCCText.h>
 #include <vek/core/CheckedMath.h>
 #include <vek/core/Log.h>
 #include <vek/media/AudioFormat.h>

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <vek/containers/readers/FourCCText.h>
+#include <vek/core/FourCCText.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>
 #include <vek/core/CheckedMath.h>
