@@ -15,20 +15,15 @@
 #include <vek/media/AudioFormat.h>
 
 #include "ExternalConverters.h"
+#include "PcmReference.h"
 
 using namespace Quorvex::Vek;
+using namespace VekTest;
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
 using Coding = PcmLayout::Coding;
-
-PcmLayout Layout(uint32_t format)
-{
-    PcmLayout layout;
-    EXPECT_EQ(PcmLayout::FromFormat(format, layout), RESULT_OK);
-    return layout;
-}
 
 std::vector<PcmLayout> AllLayouts()
 {
@@ -41,97 +36,6 @@ std::vector<PcmLayout> AllLayouts()
 std::string Name(const PcmLayout& layout)
 {
     return AudioFormat::GetName(layout.format);
-}
-
-// ---------------------------------------------------------------- reference
-// Samples read and written from the value rules alone, in long double, apart
-// from the library's codecs. The G.711 functions are checked on their own
-// (G711Test.cpp).
-
-long double Power(int exponent)
-{
-    return std::ldexp(1.0L, exponent);
-}
-
-uint64_t ReadRaw(const PcmLayout& layout, const uint8_t* p)
-{
-    uint64_t raw = 0;
-    for (int i = 0; i < layout.bytes; ++i)
-        raw = raw << 8 | p[layout.order == ByteOrder::BigEndian ? i : layout.bytes - 1 - i];
-    return raw;
-}
-
-void WriteRaw(const PcmLayout& layout, uint64_t raw, uint8_t* p)
-{
-    for (int i = 0; i < layout.bytes; ++i)
-        p[layout.order == ByteOrder::BigEndian ? layout.bytes - 1 - i : i] = uint8_t(raw >> (8 * i));
-}
-
-// An integer layout's value in units of its least significant bit.
-int64_t IntegerValue(const PcmLayout& layout, const uint8_t* p)
-{
-    const uint64_t raw = ReadRaw(layout, p);
-    const int width = 8 * layout.bytes;
-    if (layout.coding == Coding::Unsigned)
-        return int64_t(raw) - (int64_t(1) << (layout.bits - 1));
-    const int64_t wide = raw >> (width - 1) ? int64_t(raw) - (int64_t(1) << width) : int64_t(raw);
-    return int64_t(std::floor((long double)wide / Power(width - layout.bits)));
-}
-
-void WriteInteger(const PcmLayout& layout, int64_t value, uint8_t* p)
-{
-    const int width = 8 * layout.bytes;
-    if (layout.coding == Coding::Unsigned)
-        return WriteRaw(layout, uint64_t(value + (int64_t(1) << (layout.bits - 1))), p);
-    WriteRaw(layout, (uint64_t(value) << (width - layout.bits)) & (~uint64_t(0) >> (64 - width)), p);
-}
-
-long double ReferenceValue(const PcmLayout& layout, const uint8_t* p)
-{
-    switch (layout.coding) {
-    case Coding::Signed:
-    case Coding::Unsigned: return (long double)IntegerValue(layout, p) / Power(layout.bits - 1);
-    case Coding::Float:
-        return layout.bytes == 4 ? (long double)std::bit_cast<float>(uint32_t(ReadRaw(layout, p)))
-                                 : (long double)std::bit_cast<double>(ReadRaw(layout, p));
-    case Coding::ALaw: return G711::DecodeALaw(*p) / Power(15);
-    case Coding::MuLaw: return G711::DecodeMuLaw(*p) / Power(15);
-    }
-    return 0;
-}
-
-// Scaled by 2^(bits-1), clipped, rounded to nearest with ties to even; NaN is 0.
-int64_t ReferenceQuantise(long double value, int bits)
-{
-    if (std::isnan(value))
-        return 0;
-    const long double scaled = value * Power(bits - 1);
-    const long double low = -Power(bits - 1);
-    const long double high = Power(bits - 1) - 1;
-    if (scaled <= low)
-        return int64_t(low);
-    if (scaled >= high)
-        return int64_t(high);
-    const long double whole = std::floor(scaled);
-    int64_t rounded = int64_t(whole);
-    const long double fraction = scaled - whole;
-    if (fraction > 0.5L || (fraction == 0.5L && (rounded & 1)))
-        ++rounded;
-    return rounded;
-}
-
-void ReferenceWrite(const PcmLayout& layout, long double value, uint8_t* p)
-{
-    switch (layout.coding) {
-    case Coding::Signed:
-    case Coding::Unsigned: return WriteInteger(layout, ReferenceQuantise(value, layout.bits), p);
-    case Coding::Float:
-        if (layout.bytes == 4)
-            return WriteRaw(layout, std::bit_cast<uint32_t>(float(double(value))), p);
-        return WriteRaw(layout, std::bit_cast<uint64_t>(double(value)), p);
-    case Coding::ALaw: *p = G711::EncodeALaw(int16_t(ReferenceQuantise(value, 16))); return;
-    case Coding::MuLaw: *p = G711::EncodeMuLaw(int16_t(ReferenceQuantise(value, 16))); return;
-    }
 }
 
 // ---------------------------------------------------------------- inputs
@@ -237,36 +141,17 @@ Bytes Convert(uint32_t from, uint32_t to, const Bytes& input)
     return output;
 }
 
-bool SameSample(const PcmLayout& layout, const uint8_t* a, const uint8_t* b)
-{
-    if (layout.coding == Coding::Float && std::isnan(ReferenceValue(layout, a)) &&
-        std::isnan(ReferenceValue(layout, b)))
-        return true;
-    return std::memcmp(a, b, size_t(layout.bytes)) == 0;
-}
-
 // Output channel c of frame f comes from input channel c, or is silence.
 void ExpectMatchesReference(const PcmLayout& in, int32_t inChannels, const PcmLayout& out, int32_t outChannels,
                             const Bytes& input, const Bytes& output)
 {
     const size_t frames = input.size() / size_t(in.bytes * inChannels);
-    ASSERT_EQ(output.size(), frames * size_t(out.bytes * outChannels));
-    uint8_t expected[8];
-    for (size_t frame = 0; frame < frames; ++frame) {
-        for (int32_t channel = 0; channel < outChannels; ++channel) {
-            const size_t at = (frame * size_t(outChannels) + size_t(channel)) * size_t(out.bytes);
-            const uint8_t* source = input.data() + (frame * size_t(inChannels) + size_t(channel)) * size_t(in.bytes);
-            const long double value = channel < inChannels ? ReferenceValue(in, source) : 0.0L;
-            // The same layout is copied as it is: mu-law's negative zero and
-            // the low bits of a 20-bit sample stay.
-            if (channel < inChannels && in.format == out.format)
-                std::memcpy(expected, source, size_t(in.bytes));
-            else
-                ReferenceWrite(out, value, expected);
-            ASSERT_TRUE(SameSample(out, output.data() + at, expected))
-                << "frame " << frame << " channel " << channel << " value " << double(value);
-        }
-    }
+    const Bytes expected =
+        ReferenceConvert(in, inChannels, out, ByIndex(inChannels, outChannels), input.data(), frames);
+    ASSERT_EQ(output.size(), expected.size());
+    for (size_t at = 0; at < output.size(); at += size_t(out.bytes))
+        ASSERT_TRUE(SameSample(out, output.data() + at, expected.data() + at))
+            << "sample " << at / size_t(out.bytes) << " of " << output.size() / size_t(out.bytes);
 }
 
 // ---------------------------------------------------------------- tests

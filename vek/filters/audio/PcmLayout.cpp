@@ -3,7 +3,7 @@
 #include <array>
 #include <iterator>
 
-#include <vek/containers/readers/FourCCText.h>
+#include <vek/core/FourCCText.h>
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 #include <vek/media/AudioFormat.h>
@@ -52,15 +52,22 @@ constexpr int kMaxAliasSteps = 4;
 
 } // namespace
 
-int PcmLayout::FromFormat(uint32_t format, PcmLayout& out)
+const PcmLayout* PcmLayout::Find(uint32_t format)
 {
     uint32_t code = format;
     for (int step = 0; code != 0 && step <= kMaxAliasSteps; ++step) {
-        if (const PcmLayout* layout = FindLayout(code)) {
-            out = *layout;
-            return RESULT_OK;
-        }
+        if (const PcmLayout* layout = FindLayout(code))
+            return layout;
         code = AudioFormat::GetEquivalentFormat(code);
+    }
+    return nullptr;
+}
+
+int PcmLayout::FromFormat(uint32_t format, PcmLayout& out)
+{
+    if (const PcmLayout* layout = Find(format)) {
+        out = *layout;
+        return RESULT_OK;
     }
     if (format == AudioFormat::LPCM)
         Log(LogLevel::Error, "PcmLayout::FromFormat: format 'lpcm' names no sample layout\n");

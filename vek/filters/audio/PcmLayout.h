@@ -38,6 +38,8 @@ struct VEK_API PcmLayout {
 
     // -19017 with a log line naming the code when it is not a layout above.
     static int FromFormat(uint32_t format, PcmLayout& out);
+    // The same lookup without a log line: null when the code is no layout.
+    static const PcmLayout* Find(uint32_t format);
 
     // The naming code of every layout, in a fixed order; GetFormatCount() of them.
     static const uint32_t* GetFormats();
