@@ -10,6 +10,8 @@ packages=(
     clang-14 libclang-rt-14-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     liburiparser-dev libsndfile1-dev
+    # Rivals of the audio conversion bench (optional there).
+    libswresample-dev libavutil-dev
     # Independent writers and oracles of the container conformance tests
     # (tests/conformance), and libsndfile's programs for its corpus files.
     ffmpeg sox libsox-fmt-all sndfile-programs python3
