@@ -87,8 +87,9 @@ void ExpectConversion(const Source& source, uint32_t outputFormat, int32_t outpu
     ASSERT_EQ(converter->SetInputProperties(source.properties), RESULT_OK);
     ASSERT_EQ(converter->SetOutputFormat(outputFormat), RESULT_OK);
     CAudioProperties* output = converter->GetOutputProperties();
-    if (outputChannels != source.properties->GetChannels())
+    if (outputChannels != source.properties->GetChannels()) {
         ASSERT_EQ(output->SetChannels(outputChannels), RESULT_OK);
+    }
     ASSERT_EQ(converter->Begin(), RESULT_OK);
 
     const PcmLayout in = Layout(source.properties->GetFormat());

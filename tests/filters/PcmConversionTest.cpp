@@ -118,13 +118,13 @@ Bytes InputSamples(const PcmLayout& layout)
 // ---------------------------------------------------------------- running
 
 int RunConversion(const PcmLayout& in, int32_t inChannels, const PcmLayout& out, int32_t outChannels,
-                  const Bytes& input, Bytes& output, bool* direct = nullptr)
+                  const Bytes& input, Bytes& output, bool* direct = nullptr, bool vectorKernels = true)
 {
     AudioChannelMap map;
     PcmConversion conversion;
     int result = map.BuildByIndex(inChannels, outChannels);
     if (result >= 0)
-        result = conversion.Prepare(in, out, map);
+        result = conversion.Prepare(in, out, map, vectorKernels);
     if (result < 0)
         return result;
     const int64_t frames = int64_t(input.size()) / conversion.GetInputFrameBytes();
@@ -162,13 +162,19 @@ TEST(PcmConversion, EveryLayoutToEveryLayoutMatchesTheReference)
         const Bytes all = InputSamples(in);
         for (const PcmLayout& out : AllLayouts()) {
             SCOPED_TRACE(Name(in) + " -> " + Name(out));
-            // Short runs reach the tails of the vector loops and the last
-            // 24-bit sample, which must be read without the wide load.
-            for (size_t samples : {size_t(1), size_t(7), all.size() / size_t(in.bytes)}) {
-                const Bytes input(all.begin(), all.begin() + std::ptrdiff_t(samples * size_t(in.bytes)));
-                Bytes output;
-                ASSERT_EQ(RunConversion(in, 1, out, 1, input, output), RESULT_OK);
-                ExpectMatchesReference(in, 1, out, 1, input, output);
+            // Short runs reach the tails of the vector loops, the blocks
+            // that need room past them, and the last 24-bit sample, which
+            // must be read without the wide load; with and without the
+            // vector kernels.
+            const size_t counts[] = {1, 7, 8, 9, 10, 11, 17, 18, 19, 33, all.size() / size_t(in.bytes)};
+            for (bool vector : {true, false}) {
+                for (size_t samples : counts) {
+                    SCOPED_TRACE(std::to_string(samples) + (vector ? " samples, vector" : " samples, portable"));
+                    const Bytes input(all.begin(), all.begin() + std::ptrdiff_t(samples * size_t(in.bytes)));
+                    Bytes output;
+                    ASSERT_EQ(RunConversion(in, 1, out, 1, input, output, nullptr, vector), RESULT_OK);
+                    ExpectMatchesReference(in, 1, out, 1, input, output);
+                }
             }
         }
     }
@@ -314,8 +320,8 @@ TEST(PcmConversion, FloatToIntegerRoundsTiesToEvenAndClips)
                 if (from.bytes == 4 && std::isfinite(input) && (long double)float(input) != input)
                     continue; // not a float
                 SCOPED_TRACE(Name(from) + " -> " + Name(to) + ": " + c.name);
-                // Nine copies: a vector loop's full block and its tail.
-                Bytes in(size_t(9 * from.bytes));
+                // Nineteen copies: whole vector blocks and a tail.
+                Bytes in(size_t(19 * from.bytes));
                 for (size_t at = 0; at < in.size(); at += size_t(from.bytes))
                     ReferenceWrite(from, input, in.data() + at);
                 const Bytes out = Convert(from.format, to.format, in);
@@ -358,9 +364,13 @@ TEST(PcmConversion, IntegerNarrowingRoundsTiesToEvenAndClipsOnlyAtTheTop)
             {-inTop - 1 + half, -outTop - 1},
         };
         for (auto [value, expected] : cases) {
-            Bytes input(size_t(in.bytes));
-            WriteInteger(in, value, input.data());
-            EXPECT_EQ(IntegerValue(out, Convert(from, to, input).data()), expected) << "input " << value;
+            // Nineteen copies: whole vector blocks and a tail.
+            Bytes input(size_t(19 * in.bytes));
+            for (size_t at = 0; at < input.size(); at += size_t(in.bytes))
+                WriteInteger(in, value, input.data() + at);
+            const Bytes output = Convert(from, to, input);
+            for (size_t at = 0; at < output.size(); at += size_t(out.bytes))
+                EXPECT_EQ(IntegerValue(out, output.data() + at), expected) << "input " << value << ", copy " << at;
         }
     }
 }

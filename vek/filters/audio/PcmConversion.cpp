@@ -8,6 +8,7 @@
 #include <vek/core/Result.h>
 #include <vek/filters/audio/PcmDirectKernels.h>
 #include <vek/filters/audio/PcmSampleCodec.h>
+#include <vek/filters/audio/PcmVectorKernels.h>
 
 namespace Quorvex::Vek {
 
@@ -19,7 +20,8 @@ constexpr size_t kBlockSamples = CAudioProperties::MaxChannels;
 
 } // namespace
 
-int PcmConversion::Prepare(const PcmLayout& input, const PcmLayout& output, const AudioChannelMap& map)
+int PcmConversion::Prepare(const PcmLayout& input, const PcmLayout& output, const AudioChannelMap& map,
+                           bool vectorKernels)
 {
     const PcmSampleCodec::DecodeFunction decode = PcmSampleCodec::FindDecoder(input);
     const PcmSampleCodec::EncodeFunction encode = PcmSampleCodec::FindEncoder(output);
@@ -40,6 +42,7 @@ int PcmConversion::Prepare(const PcmLayout& input, const PcmLayout& output, cons
     m_decode = decode;
     m_encode = encode;
     m_direct = m_identity ? PcmDirectKernels::Find(input, output) : nullptr;
+    m_bulk = m_direct && vectorKernels ? PcmVectorKernels::Find(input, output) : nullptr;
     m_inputFrameBytes = input.bytes * map.GetInputChannels();
     m_outputFrameBytes = output.bytes * map.GetOutputChannels();
     const double zero = 0.0;
@@ -85,9 +88,10 @@ int PcmConversion::Convert(const uint8_t* input, int64_t inputBytes, uint8_t* ou
     if (result < 0 || frames == 0)
         return result;
     const size_t samples = size_t(frames) * size_t(m_map.GetInputChannels());
-    if (m_direct)
-        m_direct(input, output, samples);
-    else if (m_identity)
+    if (m_direct) {
+        const size_t done = m_bulk ? m_bulk(input, output, samples) : 0;
+        m_direct(input + done * size_t(m_input.bytes), output + done * size_t(m_output.bytes), samples - done);
+    } else if (m_identity)
         ConvertFlat(input, output, samples);
     else if (m_input.format == m_output.format)
         CopyMapped(input, output, size_t(frames));

@@ -11,7 +11,8 @@
 // get the layout's zero. Common pairs with every channel in place have
 // direct kernels (PcmDirectKernels.h); everything else is decoded to doubles
 // and encoded again in blocks on the stack (PcmSampleCodec.h). Both give the
-// same bytes.
+// same bytes. On x86 processors with AVX2 the busiest pairs run vector
+// kernels (PcmVectorKernels.h) over most of the data.
 #include <cstdint>
 
 #include <vek/filters/audio/AudioChannelMap.h>
@@ -22,8 +23,11 @@ namespace Quorvex::Vek {
 class VEK_API PcmConversion {
 public:
     // -19017 for a layout FromFormat did not make, -19003 for a map that
-    // was never built; the conversion is unchanged on failure.
-    int Prepare(const PcmLayout& input, const PcmLayout& output, const AudioChannelMap& map);
+    // was never built; the conversion is unchanged on failure. Without
+    // `vectorKernels` the conversion keeps to the portable kernels, whatever
+    // the processor offers (for tests and comparisons: the bytes are the
+    // same).
+    int Prepare(const PcmLayout& input, const PcmLayout& output, const AudioChannelMap& map, bool vectorKernels = true);
 
     // Converts `frames` frames from `input` to `output`. -19010 before a
     // successful Prepare; -19003 for a negative frame count or an output
@@ -37,11 +41,14 @@ public:
     int32_t GetOutputFrameBytes() const { return m_outputFrameBytes; }
     const PcmLayout& GetInputLayout() const { return m_input; }
     const PcmLayout& GetOutputLayout() const { return m_output; }
-    // True when a direct kernel does the work.
+    // True when a direct kernel does the work, and when a vector kernel
+    // does most of it.
     bool IsDirect() const { return m_direct != nullptr; }
+    bool IsVector() const { return m_bulk != nullptr; }
 
 private:
     using DirectKernel = void (*)(const uint8_t* in, uint8_t* out, size_t samples);
+    using BulkKernel = size_t (*)(const uint8_t* in, uint8_t* out, size_t samples);
     using DecodeFunction = void (*)(const uint8_t* in, double* out, size_t count);
     using EncodeFunction = void (*)(const double* in, uint8_t* out, size_t count);
 
@@ -56,6 +63,7 @@ private:
     AudioChannelMap m_map;
     bool m_identity = false;
     DirectKernel m_direct = nullptr;
+    BulkKernel m_bulk = nullptr; // the leading whole blocks, before m_direct does the rest
     DecodeFunction m_decode = nullptr;
     EncodeFunction m_encode = nullptr;
     int32_t m_inputFrameBytes = 0;
