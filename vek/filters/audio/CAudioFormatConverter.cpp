@@ -243,8 +243,8 @@ int CAudioFormatConverter::ConvertData(CAudioSample* input, int64_t frames, CLin
             static_cast<long long>(input->GetTime()), GetResultName(data.GetResult()));
         return data.GetResult();
     }
-    // frames x bytes per frame cannot overflow: the output of as many
-    // frames fits 31 bits and a sample is at most 8 times a byte.
+    // No overflow: the frames fit 31 bits (their output does) and an input
+    // frame is at most MaxChannels x 8 bytes.
     const int64_t needed = frames * m_conversion.GetInputFrameBytes();
     if (data.GetLength() < needed) {
         Log(LogLevel::Error,
