@@ -179,7 +179,7 @@ TEST(CAudioFormatConverter, OffersEveryLayoutAndFloatFirst)
     RObject<CValueList<unsigned int>> outputs(converter->GetOutputFormats());
     ASSERT_EQ(inputs->GetCount(), int32_t(PcmLayout::GetFormatCount()));
     ASSERT_EQ(outputs->GetCount(), int32_t(PcmLayout::GetFormatCount()));
-    EXPECT_EQ(outputs->Get(0), AudioFormat::Float32L);
+    EXPECT_EQ(outputs->Get(0), uint32_t(AudioFormat::Float32L));
     for (size_t i = 0; i < PcmLayout::GetFormatCount(); ++i) {
         EXPECT_TRUE(inputs->Contains(PcmLayout::GetFormats()[i]));
         EXPECT_TRUE(outputs->Contains(PcmLayout::GetFormats()[i]));
@@ -206,15 +206,15 @@ TEST(CAudioFormatConverter, OffersEveryLayoutAndFloatFirst)
     input->SetSampleRate(44100);
     ASSERT_EQ(converter->SetInputProperties(input), RESULT_OK);
     ASSERT_EQ(converter->Begin(), RESULT_OK);
-    EXPECT_EQ(converter->GetOutputFormat(), AudioFormat::Float32L);
+    EXPECT_EQ(converter->GetOutputFormat(), uint32_t(AudioFormat::Float32L));
     EXPECT_EQ(converter->GetOutputProperties()->GetBytesPerFrame(), 8);
 
     // An alias is accepted and described by the code that names its layout.
     EXPECT_EQ(converter->SetOutputFormat(Four("s24b")), RESULT_OK);
-    EXPECT_EQ(converter->GetOutputFormat(), AudioFormat::Int24B);
+    EXPECT_EQ(converter->GetOutputFormat(), uint32_t(AudioFormat::Int24B));
     VekTest::LogCapture log(1);
     EXPECT_EQ(converter->SetOutputFormat(AudioFormat::LPCM), RESULT_FORMAT_ERROR);
-    EXPECT_EQ(converter->GetOutputFormat(), AudioFormat::Int24B);
+    EXPECT_EQ(converter->GetOutputFormat(), uint32_t(AudioFormat::Int24B));
 }
 
 struct BeginCase {

@@ -441,7 +441,7 @@ TEST(PcmConversion, RefusesBuffersThatDoNotHoldTheFrames)
     EXPECT_EQ(conversion.Prepare(Layout(AudioFormat::Int16L), Layout(AudioFormat::Int16B), unbuilt),
               RESULT_ARGUMENT_OUT_OF_RANGE);
     EXPECT_EQ(conversion.Prepare(PcmLayout{}, Layout(AudioFormat::Int16B), map), RESULT_FORMAT_ERROR);
-    EXPECT_EQ(conversion.GetInputLayout().format, AudioFormat::Int24L) << "a failed Prepare changes nothing";
+    EXPECT_EQ(conversion.GetInputLayout().format, uint32_t(AudioFormat::Int24L)) << "a failed Prepare changes nothing";
 }
 
 // ffmpeg rounds and clips as the library does for these pairs (it truncates

@@ -62,7 +62,7 @@ TEST(PcmLayout, RefusesCodesThatAreNoLayoutWithAFormatErrorAndALogLine)
         PcmLayout layout;
         layout.format = AudioFormat::Int16L;
         EXPECT_EQ(PcmLayout::FromFormat(c.format, layout), RESULT_FORMAT_ERROR);
-        EXPECT_EQ(layout.format, AudioFormat::Int16L) << "the output is untouched";
+        EXPECT_EQ(layout.format, uint32_t(AudioFormat::Int16L)) << "the output is untouched";
         EXPECT_EQ(log.Count(c.logged), 1u) << log.Text();
     }
 }
@@ -79,7 +79,7 @@ TEST(PcmLayout, EveryLayoutAgreesWithItsNameInTheFormatTable)
         PcmLayout layout;
         ASSERT_EQ(PcmLayout::FromFormat(format, layout), RESULT_OK);
         EXPECT_EQ(layout.format, format);
-        EXPECT_EQ(AudioFormat::GetCanonicalFormat(format), AudioFormat::LPCM);
+        EXPECT_EQ(AudioFormat::GetCanonicalFormat(format), uint32_t(AudioFormat::LPCM));
         EXPECT_GE(layout.bytes * 8, layout.bits);
         EXPECT_LE(layout.bytes * 8, layout.bits + 4) << "only 20-bit samples carry padding";
         if (layout.IsCompanded()) {
