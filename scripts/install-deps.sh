@@ -10,8 +10,8 @@ packages=(
     clang-14 libclang-rt-14-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     liburiparser-dev libsndfile1-dev
-    # The rival of the video conversion bench (optional there).
-    libswscale-dev libavutil-dev
+    # Rivals of the conversion benches (optional there).
+    libswscale-dev libswresample-dev libavutil-dev
     # Independent writers and oracles of the container conformance tests
     # (tests/conformance), and libsndfile's programs for its corpus files.
     ffmpeg sox libsox-fmt-all sndfile-programs python3

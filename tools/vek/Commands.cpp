@@ -10,6 +10,7 @@ const std::vector<Command>& Commands()
         {"probe", RunProbe},
         {"samples", RunSamples},
         {"index", RunIndex},
+        {"convert", RunConvert},
     };
     return commands;
 }

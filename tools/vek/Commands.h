@@ -22,5 +22,6 @@ int RunFormats(int argc, char** argv);
 int RunProbe(int argc, char** argv);
 int RunSamples(int argc, char** argv);
 int RunIndex(int argc, char** argv);
+int RunConvert(int argc, char** argv);
 
 } // namespace VekTool

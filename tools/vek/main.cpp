@@ -14,6 +14,7 @@ void PrintUsage(std::FILE* out)
                "  probe      what a media file holds: format, tracks, properties (vek probe --help)\n"
                "  samples    list the samples of a media file (vek samples --help)\n"
                "  index      index a media file on a background thread (vek index --help)\n"
+               "  convert    convert an audio track to raw PCM of another layout (vek convert --help)\n"
                "  timecode   convert and compute with SMPTE timecodes (vek timecode --help)\n"
                "  formats    list the media format codes (vek formats --help)\n"
                "\n"

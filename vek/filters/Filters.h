@@ -49,6 +49,11 @@
 #include <vek/filters/VideoFilter.h>
 #include <vek/filters/VideoFrameLayout.h>
 #include <vek/filters/VideoMetadataQueue.h>
+#include <vek/filters/audio/AudioChannelMap.h>
+#include <vek/filters/audio/CAudioFormatConverter.h>
+#include <vek/filters/audio/G711.h>
+#include <vek/filters/audio/PcmConversion.h>
+#include <vek/filters/audio/PcmLayout.h>
 #include <vek/filters/graphics/CGraphicsContext.h>
 #include <vek/filters/graphics/CGraphicsRenderer.h>
 #include <vek/filters/video/CVideoFormatConverter.h>
