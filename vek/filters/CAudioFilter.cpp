@@ -60,16 +60,9 @@ int CAudioFilter::Flush()
 {
     CFilter::Flush();
     m_outputQueue.Clear();
-    if (m_metadataQueue)
-        m_metadataQueue->Clear();
+    if (AudioMetadataQueue* queue = m_metadataQueue.Get())
+        queue->Clear();
     return RESULT_OK;
-}
-
-bool CAudioFilter::EnsureMetadataQueue()
-{
-    if (!m_metadataQueue)
-        m_metadataQueue = RObject<AudioMetadataQueue>(AudioMetadataQueue::Create());
-    return bool(m_metadataQueue);
 }
 
 int CAudioFilter::CoreReadSample(CAudioSample*& sample)
@@ -91,16 +84,18 @@ int CAudioFilter::EnqueueSampleMetadata(CAudioSample* sample)
 {
     if (!sample)
         return RESULT_ARGUMENT_NULL;
-    if (!EnsureMetadataQueue())
+    AudioMetadataQueue* queue = m_metadataQueue.GetOrMake([this] { return AudioMetadataQueue::Create(); });
+    if (!queue)
         return RESULT_OUT_OF_MEMORY;
-    return m_metadataQueue->Enqueue(sample);
+    return queue->Enqueue(sample);
 }
 
 int CAudioFilter::DequeueSampleMetadata(CAudioSample* output)
 {
     if (!output)
         return RESULT_NULL_POINTER;
-    return m_metadataQueue ? m_metadataQueue->Dequeue(output) : 1;
+    AudioMetadataQueue* queue = m_metadataQueue.Get();
+    return queue ? queue->Dequeue(output) : 1;
 }
 
 int CAudioFilter::CopySampleMetadata(CAudioSample* to, CAudioSample* from)

@@ -11,6 +11,7 @@
 #include <vek/core/CPoolBase.h>
 #include <vek/filters/AudioMetadataQueue.h>
 #include <vek/filters/CFilter.h>
+#include <vek/filters/LazilyMadeObject.h>
 #include <vek/filters/OutputSampleQueue.h>
 #include <vek/media/CAudioProperties.h>
 #include <vek/samples/CLinearDataReference.h>
@@ -69,10 +70,9 @@ protected:
     void SetOutputQueueCapacity(int32_t capacity) { m_outputQueue.SetCapacity(capacity); }
 
 private:
-    bool EnsureMetadataQueue();
 
     OutputSampleQueue<CAudioSample> m_outputQueue;
-    RObject<AudioMetadataQueue> m_metadataQueue;
+    LazilyMadeObject<AudioMetadataQueue> m_metadataQueue;
     RObject<CPool<CAudioSample>> m_samplePool;
 };
 

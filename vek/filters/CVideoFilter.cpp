@@ -97,16 +97,9 @@ int CVideoFilter::Flush()
 {
     CFilter::Flush();
     m_outputQueue.Clear();
-    if (m_metadataQueue)
-        m_metadataQueue->Clear();
+    if (VideoMetadataQueue* queue = m_metadataQueue.Get())
+        queue->Clear();
     return RESULT_OK;
-}
-
-bool CVideoFilter::EnsureMetadataQueue()
-{
-    if (!m_metadataQueue)
-        m_metadataQueue = RObject<VideoMetadataQueue>(VideoMetadataQueue::Create(m_metadataRingCapacity));
-    return bool(m_metadataQueue);
 }
 
 int CVideoFilter::CoreReadSample(CVideoSample*& sample)
@@ -145,9 +138,11 @@ int CVideoFilter::SplitAndEnqueueSampleMetadata(CVideoSample* sample, int32_t* k
     int32_t made = 0;
     if (!sample)
         return RESULT_ARGUMENT_NULL;
-    if (!EnsureMetadataQueue())
+    VideoMetadataQueue* queue =
+        m_metadataQueue.GetOrMake([this] { return VideoMetadataQueue::Create(m_metadataRingCapacity); });
+    if (!queue)
         return RESULT_OUT_OF_MEMORY;
-    const int result = m_metadataQueue->Enqueue(sample, made);
+    const int result = queue->Enqueue(sample, made);
     if (key)
         *key = made;
     return result;
@@ -157,11 +152,12 @@ int CVideoFilter::DequeueAndMergeSampleMetadata(CVideoSample* output, int32_t ke
 {
     if (!output)
         return RESULT_ARGUMENT_NULL;
-    if (!m_metadataQueue) {
+    VideoMetadataQueue* queue = m_metadataQueue.Get();
+    if (!queue) {
         Log(LogLevel::Error, "CVideoFilter::DequeueAndMergeSampleMetadata: no record for key %d\n", int(key));
         return RESULT_UNEXPECTED;
     }
-    return m_metadataQueue->DequeueAndMerge(output, key);
+    return queue->DequeueAndMerge(output, key);
 }
 
 int CVideoFilter::CopySampleMetadata(CVideoSample* to, CVideoSample* from)

@@ -23,6 +23,7 @@
 // sample may be queued by one thread while another reads.
 #include <vek/core/CPoolBase.h>
 #include <vek/filters/CFilter.h>
+#include <vek/filters/LazilyMadeObject.h>
 #include <vek/filters/OutputSampleQueue.h>
 #include <vek/filters/VideoConfiguration.h>
 #include <vek/filters/VideoMetadataQueue.h>
@@ -113,11 +114,10 @@ protected:
     void SetMetadataRingCapacity(int32_t capacity) { m_metadataRingCapacity = capacity; }
 
 private:
-    bool EnsureMetadataQueue();
     FormatList* FormatsFromTable(bool inputs);
 
     OutputSampleQueue<CVideoSample> m_outputQueue;
-    RObject<VideoMetadataQueue> m_metadataQueue;
+    LazilyMadeObject<VideoMetadataQueue> m_metadataQueue;
     RObject<CPool<CVideoSample>> m_samplePool;
     int32_t m_metadataRingCapacity = VideoMetadataQueue::DefaultRingCapacity;
 };

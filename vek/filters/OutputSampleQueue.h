@@ -4,7 +4,7 @@
 // sample queued and guarded by its own monitor around every push and pop,
 // so one thread may queue while another reads. `capacity` 0 is unbounded.
 #include <vek/core/CQueue.h>
-#include <vek/core/RObject.h>
+#include <vek/filters/LazilyMadeObject.h>
 
 namespace Quorvex::Vek {
 
@@ -18,40 +18,47 @@ public:
     {
         if (!sample)
             return RESULT_ARGUMENT_NULL;
-        if (!m_queue)
-            m_queue = RObject<CQueue<Sample>>(CQueue<Sample>::Create(m_capacity));
-        if (!m_queue)
+        CQueue<Sample>* queue = MakeQueue();
+        if (!queue)
             return RESULT_OUT_OF_MEMORY;
-        CObject::CAutoLock lock(m_queue);
-        return m_queue->Enqueue(sample);
+        CObject::CAutoLock lock(queue);
+        return queue->Enqueue(sample);
     }
     // 0 with the oldest sample in `sample` (the caller's reference now), 1
     // when the queue is empty.
     int Dequeue(Sample*& sample)
     {
         sample = nullptr;
-        if (!m_queue)
+        CQueue<Sample>* queue = m_queue.Get();
+        if (!queue)
             return 1;
-        CObject::CAutoLock lock(m_queue);
-        return m_queue->Dequeue(sample) == RESULT_OK ? RESULT_OK : 1;
+        CObject::CAutoLock lock(queue);
+        return queue->Dequeue(sample) == RESULT_OK ? RESULT_OK : 1;
     }
     void Clear()
     {
-        if (!m_queue)
+        CQueue<Sample>* queue = m_queue.Get();
+        if (!queue)
             return;
-        CObject::CAutoLock lock(m_queue);
-        m_queue->Clear();
+        CObject::CAutoLock lock(queue);
+        queue->Clear();
     }
     int32_t GetCount()
     {
-        if (!m_queue)
+        CQueue<Sample>* queue = m_queue.Get();
+        if (!queue)
             return 0;
-        CObject::CAutoLock lock(m_queue);
-        return m_queue->GetCount();
+        CObject::CAutoLock lock(queue);
+        return queue->GetCount();
     }
 
 private:
-    RObject<CQueue<Sample>> m_queue;
+    CQueue<Sample>* MakeQueue()
+    {
+        return m_queue.GetOrMake([this] { return CQueue<Sample>::Create(m_capacity); });
+    }
+
+    LazilyMadeObject<CQueue<Sample>> m_queue;
     int32_t m_capacity = 0;
 };
 
