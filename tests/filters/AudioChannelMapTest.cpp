@@ -68,16 +68,13 @@ const MapCase Cases[] = {
 TEST(AudioChannelMap, PairsByPositionWhenEveryChannelHasOneAndByIndexOtherwise)
 {
     for (const MapCase& c : Cases) {
-        SCOPED_TRACE(c.name);
-        RObject<CAudioProperties> input = Make(c.input);
-        RObject<CAudioProperties> output = Make(c.output);
         AudioChannelMap map;
-        ASSERT_EQ(map.Build(input, output), RESULT_OK);
-        ASSERT_EQ(map.GetInputChannels(), c.input.channels);
-        ASSERT_EQ(map.GetOutputChannels(), int32_t(c.sources.size()));
-        EXPECT_EQ(std::vector<int16_t>(map.GetSources(), map.GetSources() + c.sources.size()), c.sources);
+        ASSERT_EQ(map.Build(Make(c.input), Make(c.output)), RESULT_OK) << c.name;
+        ASSERT_EQ(map.GetInputChannels(), c.input.channels) << c.name;
+        ASSERT_EQ(map.GetOutputChannels(), int32_t(c.sources.size())) << c.name;
+        EXPECT_EQ(std::vector<int16_t>(map.GetSources(), map.GetSources() + c.sources.size()), c.sources) << c.name;
         const bool identity = c.input.channels == c.output.channels && c.sources == std::vector<int16_t>{0, 1};
-        EXPECT_EQ(map.IsIdentity(), identity);
+        EXPECT_EQ(map.IsIdentity(), identity) << c.name;
     }
 }
 
@@ -96,12 +93,10 @@ TEST(AudioChannelMap, RefusesChannelCountsOutsideTheBoundsAndKeepsTheMap)
     AudioChannelMap map;
     ASSERT_EQ(map.BuildByIndex(2, 1), RESULT_OK);
     for (const Counts& c : refused) {
-        SCOPED_TRACE(c.logged);
         VekTest::LogCapture log(1);
-        EXPECT_EQ(map.BuildByIndex(c.input, c.output), RESULT_ARGUMENT_OUT_OF_RANGE);
+        EXPECT_EQ(map.BuildByIndex(c.input, c.output), RESULT_ARGUMENT_OUT_OF_RANGE) << c.logged;
         EXPECT_EQ(log.Count(c.logged), 1u) << log.Text();
-        EXPECT_EQ(map.GetInputChannels(), 2);
-        EXPECT_EQ(map.GetOutputChannels(), 1);
+        EXPECT_EQ(std::pair(map.GetInputChannels(), map.GetOutputChannels()), std::pair(2, 1)) << "the map is kept";
     }
     EXPECT_EQ(map.Build(nullptr, nullptr), RESULT_ARGUMENT_NULL);
     ASSERT_EQ(map.BuildByIndex(P::MaxChannels, P::MaxChannels), RESULT_OK);

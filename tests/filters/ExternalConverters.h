@@ -25,13 +25,9 @@ inline bool HasProgram(const std::string& name)
 }
 
 // Runs `command` with IN and OUT replaced by scratch files, IN holding `input`.
+// Callers ask HasProgram first.
 inline std::optional<std::vector<uint8_t>> RunConverter(std::string command, const std::vector<uint8_t>& input)
 {
-#if defined(_WIN32)
-    (void)command;
-    (void)input;
-    return std::nullopt;
-#else
     TempDir dir;
     const std::string in = dir.File("in.raw");
     const std::string out = dir.File("out.raw");
@@ -44,7 +40,6 @@ inline std::optional<std::vector<uint8_t>> RunConverter(std::string command, con
         return std::nullopt;
     const std::string bytes = ReadFile(out);
     return std::vector<uint8_t>(bytes.begin(), bytes.end());
-#endif
 }
 
 // ffmpeg from one raw sample format to another (its names: s16le, f32le,

@@ -27,6 +27,15 @@ int Clamp(int value, int low, int high)
     return std::min(std::max(value, low), high);
 }
 
+PictureModel Blank(int width, int height, Subsampling sub)
+{
+    PictureModel model{width, height, sub};
+    model.y.resize(size_t(width) * height);
+    model.u.resize(size_t(model.ChromaWidth()) * model.ChromaHeight());
+    model.v.resize(model.u.size());
+    return model;
+}
+
 } // namespace
 
 Subsampling SubsamplingOf(const std::string& format)
@@ -42,25 +51,16 @@ Subsampling SubsamplingOf(const std::string& format)
 
 PictureModel RandomModel(int width, int height, Subsampling sub, std::mt19937& random, bool smooth)
 {
-    PictureModel model;
-    model.width = width;
-    model.height = height;
-    model.sub = sub;
-    const int cw = model.ChromaWidth();
-    const int ch = model.ChromaHeight();
+    PictureModel model = Blank(width, height, sub);
     std::uniform_int_distribution<int> byte(0, 255);
     std::uniform_int_distribution<int> noise(0, 1);
     auto sample = [&](int col, int row) {
         return smooth ? uint8_t(Clamp(40 + col + 2 * row + noise(random), 0, 255)) : uint8_t(byte(random));
     };
-    model.y.resize(size_t(width) * height);
-    model.u.resize(size_t(cw) * ch);
-    model.v.resize(size_t(cw) * ch);
-    for (int row = 0; row < height; ++row)
-        for (int col = 0; col < width; ++col)
-            model.Y(col, row) = uint8_t(byte(random));
-    for (int row = 0; row < ch; ++row) {
-        for (int col = 0; col < cw; ++col) {
+    for (uint8_t& luma : model.y)
+        luma = uint8_t(byte(random));
+    for (int row = 0; row < model.ChromaHeight(); ++row) {
+        for (int col = 0; col < model.ChromaWidth(); ++col) {
             model.U(col, row) = sample(col, row);
             model.V(col, row) = uint8_t(255 - sample(col, row));
         }
@@ -99,83 +99,62 @@ PictureBytes LayOut(const std::string& format, int width, int height, int stride
     return picture;
 }
 
-void Write(const PictureModel& in, const std::string& format, PictureBytes& picture)
+namespace {
+
+// Calls visit(byte, sample, repeat) for every sample of the model and the
+// byte that holds it in `format`. The last luma of an odd packed row is
+// visited twice, the second time for the byte that repeats it.
+template <typename Visit>
+void ForEachSample(const std::string& format, PictureBytes& picture, PictureModel& model, Visit visit)
 {
-    PictureModel model = in;
-    uint8_t* base = picture.bytes.data();
     auto at = [&](int plane, int col, int row) -> uint8_t& {
-        return base[picture.offset[plane] + size_t(row) * picture.stride[plane] + col];
+        return picture.bytes[picture.offset[plane] + size_t(row) * picture.stride[plane] + col];
     };
     if (IsPacked(format)) {
         const bool uyvy = format == "UYVY";
+        const int y = uyvy ? 1 : 0;
         for (int row = 0; row < model.height; ++row) {
-            for (int pair = 0; pair < (model.width + 1) / 2; ++pair) {
-                const uint8_t y0 = model.Y(2 * pair, row);
-                const uint8_t y1 = 2 * pair + 1 < model.width ? model.Y(2 * pair + 1, row) : y0;
-                const uint8_t bytes[4] = {uyvy ? model.U(pair, row) : y0, uyvy ? y0 : model.U(pair, row),
-                                          uyvy ? model.V(pair, row) : y1, uyvy ? y1 : model.V(pair, row)};
-                for (int i = 0; i < 4; ++i)
-                    at(0, 4 * pair + i, row) = bytes[i];
+            for (int col = 0; col < model.width; ++col)
+                visit(at(0, 2 * col + y, row), model.Y(col, row), false);
+            if (model.width % 2 == 1)
+                visit(at(0, 2 * model.width + y, row), model.Y(model.width - 1, row), true);
+            for (int pair = 0; pair < model.ChromaWidth(); ++pair) {
+                visit(at(0, 4 * pair + (uyvy ? 0 : 1), row), model.U(pair, row), false);
+                visit(at(0, 4 * pair + (uyvy ? 2 : 3), row), model.V(pair, row), false);
             }
         }
         return;
     }
     for (int row = 0; row < model.height; ++row)
         for (int col = 0; col < model.width; ++col)
-            at(0, col, row) = model.Y(col, row);
+            visit(at(0, col, row), model.Y(col, row), false);
+    const bool interleaved = IsInterleaved(format);
     const bool vFirst = VFirst(format);
     for (int row = 0; row < model.ChromaHeight(); ++row) {
         for (int col = 0; col < model.ChromaWidth(); ++col) {
-            const uint8_t first = vFirst ? model.V(col, row) : model.U(col, row);
-            const uint8_t second = vFirst ? model.U(col, row) : model.V(col, row);
-            if (IsInterleaved(format)) {
-                at(1, 2 * col, row) = first;
-                at(1, 2 * col + 1, row) = second;
-            } else {
-                at(1, col, row) = first;
-                at(2, col, row) = second;
-            }
+            visit(interleaved ? at(1, 2 * col, row) : at(1, col, row), vFirst ? model.V(col, row) : model.U(col, row),
+                  false);
+            visit(interleaved ? at(1, 2 * col + 1, row) : at(2, col, row),
+                  vFirst ? model.U(col, row) : model.V(col, row), false);
         }
     }
 }
 
-PictureModel Read(const std::string& format, int width, int height, const PictureBytes& picture)
+} // namespace
+
+void Write(const PictureModel& in, const std::string& format, PictureBytes& picture)
 {
-    PictureModel model;
-    model.width = width;
-    model.height = height;
-    model.sub = SubsamplingOf(format);
-    model.y.resize(size_t(width) * height);
-    model.u.resize(size_t(model.ChromaWidth()) * model.ChromaHeight());
-    model.v.resize(model.u.size());
-    const uint8_t* base = picture.bytes.data();
-    auto at = [&](int plane, int col, int row) {
-        return base[picture.offset[plane] + size_t(row) * picture.stride[plane] + col];
-    };
-    if (IsPacked(format)) {
-        const bool uyvy = format == "UYVY";
-        for (int row = 0; row < height; ++row) {
-            for (int col = 0; col < width; ++col)
-                model.Y(col, row) = at(0, 2 * col + (uyvy ? 1 : 0), row);
-            for (int pair = 0; pair < model.ChromaWidth(); ++pair) {
-                model.U(pair, row) = at(0, 4 * pair + (uyvy ? 0 : 1), row);
-                model.V(pair, row) = at(0, 4 * pair + (uyvy ? 2 : 3), row);
-            }
-        }
-        return model;
-    }
-    for (int row = 0; row < height; ++row)
-        for (int col = 0; col < width; ++col)
-            model.Y(col, row) = at(0, col, row);
-    const bool vFirst = VFirst(format);
-    for (int row = 0; row < model.ChromaHeight(); ++row) {
-        for (int col = 0; col < model.ChromaWidth(); ++col) {
-            const uint8_t first = IsInterleaved(format) ? at(1, 2 * col, row) : at(1, col, row);
-            const uint8_t second = IsInterleaved(format) ? at(1, 2 * col + 1, row) : at(2, col, row);
-            model.U(col, row) = vFirst ? second : first;
-            model.V(col, row) = vFirst ? first : second;
-        }
-    }
+    PictureModel model = in;
+    ForEachSample(format, picture, model, [](uint8_t& byte, uint8_t& sample, bool) { byte = sample; });
+}
+
+PictureModel Read(const std::string& format, int width, int height, PictureBytes picture)
+{
+    PictureModel model = Blank(width, height, SubsamplingOf(format));
+    ForEachSample(format, picture, model, [](uint8_t& byte, uint8_t& sample, bool repeat) {
+        if (!repeat)
+            sample = byte;
+    });
     return model;
 }
 
@@ -234,11 +213,7 @@ Plane ResampleColumns(const Plane& in, int inWidth, int outWidth, int rows)
 
 PictureModel Resample(const PictureModel& in, Subsampling to)
 {
-    PictureModel out;
-    out.width = in.width;
-    out.height = in.height;
-    out.sub = to;
-    out.y = in.y;
+    PictureModel out{in.width, in.height, to, in.y};
     const int rows = out.ChromaHeight();
     for (auto [from, into] : {std::pair{&in.u, &out.u}, std::pair{&in.v, &out.v}}) {
         const Plane vertical = ResampleRows(*from, in.ChromaWidth(), in.ChromaHeight(), rows);

@@ -22,6 +22,7 @@ inline uint32_t Code(const std::string& format)
 struct Subsampling {
     int x; // luma samples per chroma sample across: 1 or 2
     int y; // and down
+    bool operator==(const Subsampling&) const = default;
 };
 
 struct PictureModel {
@@ -35,6 +36,7 @@ struct PictureModel {
     uint8_t& Y(int col, int row) { return y[size_t(row) * width + col]; }
     uint8_t& U(int col, int row) { return u[size_t(row) * ChromaWidth() + col]; }
     uint8_t& V(int col, int row) { return v[size_t(row) * ChromaWidth() + col]; }
+    bool operator==(const PictureModel&) const = default;
 };
 
 // The subsampling a format code stands for.
@@ -58,7 +60,7 @@ struct PictureBytes {
 
 PictureBytes LayOut(const std::string& format, int width, int height, int stride0, uint8_t fill);
 void Write(const PictureModel& model, const std::string& format, PictureBytes& picture);
-PictureModel Read(const std::string& format, int width, int height, const PictureBytes& picture);
+PictureModel Read(const std::string& format, int width, int height, PictureBytes picture);
 
 // The documented resampling, from one model's chroma to another
 // subsampling: rows first (3/4 + 1/4 up, pair means down), then across

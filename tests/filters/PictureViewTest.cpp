@@ -19,23 +19,17 @@ using namespace Quorvex::Vek;
 
 TEST(PictureLayout, AliasesResolveAndRelativesDoNot)
 {
-    struct Case {
-        const char* code;
-        const char* layout; // null: none
-    };
-    const Case cases[] = {
+    // {code, its layout's own code or null for none}
+    const std::pair<const char*, const char*> cases[] = {
         {"I420", "I420"}, {"IYUV", "I420"}, {"y420", "I420"}, {"Y42B", "I422"}, {"YUY2", "YUYV"},
         {"yuvs", "YUYV"}, {"2vuy", "UYVY"}, {"Y422", "UYVY"}, {"Y444", "I444"}, {"420v", "NV12"},
         // Named relatives: full range, another matrix, another layout.
         {"J420", nullptr}, {"420f", nullptr}, {"HDYC", nullptr}, {"YVYU", nullptr}, {"NV16", nullptr},
         {"avc1", nullptr}, {"zzzz", nullptr},
     };
-    for (const Case& c : cases) {
-        const PictureLayout layout = GetPictureLayout(VekTest::Code(c.code));
-        if (!c.layout)
-            EXPECT_EQ(layout, PictureLayout::None) << c.code;
-        else
-            EXPECT_EQ(layout, GetPictureLayout(VekTest::Code(c.layout))) << c.code;
+    for (auto [code, named] : cases) {
+        const PictureLayout expected = named ? GetPictureLayout(VekTest::Code(named)) : PictureLayout::None;
+        EXPECT_EQ(GetPictureLayout(VekTest::Code(code)), expected) << code;
     }
     EXPECT_EQ(GetPictureLayout(0), PictureLayout::None);
     for (int i = 0; i < int(PictureLayout::Count); ++i)
@@ -47,9 +41,10 @@ TEST(PictureView, ContiguousPlanesFollowTheFirstStride)
     // 5x3 I420 with a first stride of 8: chroma rows of 3 at stride 4.
     std::vector<uint8_t> bytes(8 * 3 + 2 * 4 * 2);
     PictureView view;
-    ASSERT_EQ(ViewContiguousPicture(bytes.data(), int64_t(bytes.size()), GetPictureLayout(Four("I420")), 5, 3, 8,
-                                    view),
-              RESULT_OK);
+    auto viewOf = [&](size_t length) {
+        return ViewContiguousPicture(bytes.data(), int64_t(length), PictureLayout::I420, 5, 3, 8, view);
+    };
+    ASSERT_EQ(viewOf(bytes.size()), RESULT_OK);
     EXPECT_EQ(view.planes[1].data - bytes.data(), 24);
     EXPECT_EQ(view.planes[2].data - bytes.data(), 32);
     EXPECT_EQ(view.planes[2].stride, 4);
@@ -57,12 +52,8 @@ TEST(PictureView, ContiguousPlanesFollowTheFirstStride)
     EXPECT_EQ(view.planes[2].rows, 2);
     // The last row needs only its 3 bytes, not its whole stride: one byte
     // less still holds the picture, two do not.
-    EXPECT_EQ(ViewContiguousPicture(bytes.data(), int64_t(bytes.size()) - 1, GetPictureLayout(Four("I420")), 5, 3,
-                                    8, view),
-              RESULT_OK);
-    EXPECT_EQ(ViewContiguousPicture(bytes.data(), int64_t(bytes.size()) - 2, GetPictureLayout(Four("I420")), 5, 3,
-                                    8, view),
-              RESULT_ARGUMENT_OUT_OF_RANGE);
+    EXPECT_EQ(viewOf(bytes.size() - 1), RESULT_OK);
+    EXPECT_EQ(viewOf(bytes.size() - 2), RESULT_ARGUMENT_OUT_OF_RANGE);
     EXPECT_EQ(view.planes[0].data, nullptr) << "a refused view is empty";
 }
 
@@ -96,15 +87,13 @@ TEST(PictureView, BadInputGivesItsCodeAndNamesTheValue)
     for (const Case& c : cases) {
         VekTest::LogCapture log(1);
         PictureView view;
-        EXPECT_EQ(ViewContiguousPicture(bytes.data(), c.length, GetPictureLayout(VekTest::Code(c.format))
-                                        , c.width, c.height, c.stride, view),
-                  c.result)
+        const PictureLayout layout = GetPictureLayout(VekTest::Code(c.format));
+        EXPECT_EQ(ViewContiguousPicture(bytes.data(), c.length, layout, c.width, c.height, c.stride, view), c.result)
             << c.format << " " << c.logged;
         EXPECT_EQ(log.Count(c.logged), 1u) << log.Text();
     }
     PictureView view;
-    EXPECT_EQ(ViewContiguousPicture(nullptr, 100, GetPictureLayout(Four("I420")), 4, 4, 0, view),
-              RESULT_ARGUMENT_NULL);
+    EXPECT_EQ(ViewContiguousPicture(nullptr, 100, PictureLayout::I420, 4, 4, 0, view), RESULT_ARGUMENT_NULL);
 }
 
 TEST(PictureView, PixelReferencePlanesAreCheckedAgainstItsBytes)
@@ -116,12 +105,12 @@ TEST(PictureView, PixelReferencePlanesAreCheckedAgainstItsBytes)
     ASSERT_EQ(CPixelBufferDataReference::Create(bytes, 6, 6, 8, 1, Four("I420"), made), RESULT_OK);
     RObject<CPixelBufferDataReference> single(made);
     PictureView view;
-    ASSERT_EQ(ViewPixelReference(single, GetPictureLayout(Four("I420")), 6, 4, view), RESULT_OK);
+    ASSERT_EQ(ViewPixelReference(single, PictureLayout::I420, 6, 4, view), RESULT_OK);
     EXPECT_EQ(view.planes[1].data, bytes->GetData() + 32);
     EXPECT_EQ(view.planes[2].data, bytes->GetData() + 40);
     // Taller than the bytes hold.
     VekTest::LogCapture log(1);
-    EXPECT_EQ(ViewPixelReference(single, GetPictureLayout(Four("I420")), 6, 5, view), RESULT_ARGUMENT_OUT_OF_RANGE);
+    EXPECT_EQ(ViewPixelReference(single, PictureLayout::I420, 6, 5, view), RESULT_ARGUMENT_OUT_OF_RANGE);
     EXPECT_EQ(log.Count("passes the data length 48"), 1u) << log.Text();
 
     // Three planes whose last one runs past the array.
@@ -130,12 +119,12 @@ TEST(PictureView, PixelReferencePlanesAreCheckedAgainstItsBytes)
     CPlanarPixelDataReference* three = nullptr;
     ASSERT_EQ(CPlanarPixelDataReference::Create(planar, 8, 8, Four("I420"), planes, 3, three), RESULT_OK);
     RObject<CPlanarPixelDataReference> reference(three);
-    EXPECT_EQ(ViewPixelReference(reference, GetPictureLayout(Four("I420")), 8, 8, view), RESULT_OK);
-    EXPECT_EQ(ViewPixelReference(reference, GetPictureLayout(Four("I422")), 8, 8, view), RESULT_ARGUMENT_OUT_OF_RANGE)
+    EXPECT_EQ(ViewPixelReference(reference, PictureLayout::I420, 8, 8, view), RESULT_OK);
+    EXPECT_EQ(ViewPixelReference(reference, PictureLayout::I422, 8, 8, view), RESULT_ARGUMENT_OUT_OF_RANGE)
         << "4:2:2 chroma needs 8 rows";
-    EXPECT_EQ(ViewPixelReference(reference, GetPictureLayout(Four("I444")), 8, 8, view), RESULT_FORMAT_ERROR)
+    EXPECT_EQ(ViewPixelReference(reference, PictureLayout::I444, 8, 8, view), RESULT_FORMAT_ERROR)
         << "4:4:4 chroma rows are 8 bytes";
-    EXPECT_EQ(ViewPixelReference(nullptr, GetPictureLayout(Four("I420")), 8, 8, view), RESULT_ARGUMENT_NULL);
+    EXPECT_EQ(ViewPixelReference(nullptr, PictureLayout::I420, 8, 8, view), RESULT_ARGUMENT_NULL);
 }
 
 TEST(PictureBuffer, PlanesAndRowsAreAlignedAndHoldThePicture)
