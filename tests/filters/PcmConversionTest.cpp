@@ -306,6 +306,9 @@ TEST(PcmConversion, RefusesBuffersThatDoNotHoldTheFrames)
     EXPECT_EQ(conversion.Prepare(Layout(AudioFormat::Int16L), Layout(AudioFormat::Int16B), unbuilt),
               RESULT_ARGUMENT_OUT_OF_RANGE);
     EXPECT_EQ(conversion.Prepare(PcmLayout{}, Layout(AudioFormat::Int16B), map), RESULT_FORMAT_ERROR);
+    PcmLayout narrowed = Layout(AudioFormat::Int32L);
+    narrowed.bytes = 1; // sizes are taken from the layout: one that contradicts its code is refused
+    EXPECT_EQ(conversion.Prepare(narrowed, Layout(AudioFormat::Int16B), map), RESULT_FORMAT_ERROR);
     EXPECT_EQ(conversion.GetInputLayout().format, uint32_t(AudioFormat::Int24L)) << "a failed Prepare changes nothing";
 }
 

@@ -20,9 +20,27 @@ constexpr size_t kBlockSamples = CAudioProperties::MaxChannels;
 
 } // namespace
 
+namespace {
+
+bool IsKnownLayout(const PcmLayout& layout)
+{
+    const PcmLayout* known = PcmLayout::Find(layout.format);
+    return known && known->format == layout.format && known->bytes == layout.bytes && known->bits == layout.bits &&
+           known->coding == layout.coding && known->order == layout.order;
+}
+
+} // namespace
+
 int PcmConversion::Prepare(const PcmLayout& input, const PcmLayout& output, const AudioChannelMap& map,
                            bool vectorKernels)
 {
+    // Only layouts as FromFormat makes them: every size below is taken from
+    // them, so a hand-made layout that disagrees with its code is refused.
+    if (!IsKnownLayout(input) || !IsKnownLayout(output)) {
+        Log(LogLevel::Error, "PcmConversion::Prepare: layout of format 0x%08X is not the format's own\n",
+            unsigned(IsKnownLayout(input) ? output.format : input.format));
+        return RESULT_FORMAT_ERROR;
+    }
     const PcmSampleCodec::DecodeFunction decode = PcmSampleCodec::FindDecoder(input);
     const PcmSampleCodec::EncodeFunction encode = PcmSampleCodec::FindEncoder(output);
     if (!decode || !encode) {
