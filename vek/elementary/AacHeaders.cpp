@@ -267,7 +267,6 @@ int AacAudioSpecificConfig::Write(uint8_t* buffer, size_t capacity, size_t& writ
     if (IsErrorResilient(objectType))
         writer.WriteBits(0, 2);
     if (signalling == BackwardCompatible) {
-        writer.ByteAlign();
         writer.WriteBits(SyncExtensionSbr, 11);
         WriteObjectType(writer, AacObjectType::SpectralBandReplication);
         writer.WriteBits(sbrPresent, 1);

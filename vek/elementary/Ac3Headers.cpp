@@ -310,7 +310,9 @@ int WriteEac3DecoderConfig(const Ac3SyncFrame* frames, size_t count, uint8_t* bu
     if (independent > 8)
         return RefuseFrameSet("is a ninth independent substream", count - 1);
     PlainBitWriter writer(buffer, capacity);
-    writer.WriteBits(uint32_t(bitRate / 1000) & 0x1FFF, 13);
+    // Frames at 44.1 kHz alternate in length around the nominal rate: the
+    // nearest whole kbit/s is that rate.
+    writer.WriteBits(uint32_t((bitRate + 500) / 1000) & 0x1FFF, 13);
     writer.WriteBits(uint32_t(independent - 1), 3);
     for (size_t i = 0; i < count;) {
         const Ac3SyncFrame& f = frames[i];

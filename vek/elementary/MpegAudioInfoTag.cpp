@@ -33,17 +33,33 @@ size_t XingOffset(const MpegAudioFrameHeader& h)
     return MpegAudioFrameHeader::Size + (h.crcProtected ? 2 : 0) + sideInfo;
 }
 
-// CRC-16 with the polynomial 0x8005, bits reflected, starting at zero: the
-// checksum LAME puts on its tag.
-uint16_t LameCrc(const uint8_t* bytes, size_t size)
+// CRC-16 with the polynomial 0x8005, bits reflected: the checksum on the
+// LAME tag.
+uint16_t UpdateCrc(uint16_t crc, const uint8_t* bytes, size_t size)
 {
-    uint32_t crc = 0;
+    uint32_t value = crc;
     for (size_t i = 0; i < size; ++i) {
-        crc ^= bytes[i];
+        value ^= bytes[i];
         for (int bit = 0; bit < 8; ++bit)
-            crc = crc & 1 ? (crc >> 1) ^ 0xA001u : crc >> 1;
+            value = value & 1 ? (value >> 1) ^ 0xA001u : value >> 1;
     }
-    return uint16_t(crc);
+    return uint16_t(value);
+}
+
+// LAME sums the bytes in front of the CRC field; other writers sum the
+// frame's first 190 bytes (the same range in a stereo MPEG-1 frame) with
+// the field counted as zero. Either matches.
+bool TagCrcMatches(const uint8_t* frame, size_t frameSize, size_t crcAt, uint16_t crc)
+{
+    constexpr size_t FixedRange = 190;
+    const uint16_t front = UpdateCrc(0, frame, crcAt);
+    if (front == crc)
+        return true;
+    if (crcAt + 2 > FixedRange || frameSize < FixedRange)
+        return false;
+    const uint8_t zeros[2] = {};
+    const uint16_t fixed = UpdateCrc(UpdateCrc(front, zeros, 2), frame + crcAt + 2, FixedRange - crcAt - 2);
+    return fixed == crc;
 }
 
 bool IsLameEncoder(const uint8_t* p)
@@ -52,7 +68,7 @@ bool IsLameEncoder(const uint8_t* p)
            std::memcmp(p, "GOGO", 4) == 0;
 }
 
-void ReadLame(const uint8_t* frame, size_t at, MpegAudioInfoTag& tag)
+void ReadLame(const uint8_t* frame, size_t frameSize, size_t at, MpegAudioInfoTag& tag)
 {
     const uint8_t* p = frame + at;
     tag.hasLame = true;
@@ -67,7 +83,7 @@ void ReadLame(const uint8_t* frame, size_t at, MpegAudioInfoTag& tag)
     tag.musicLength = Read32(p + 28);
     tag.musicCrc = Read16(p + 32);
     tag.tagCrc = Read16(p + 34);
-    tag.tagCrcMatches = LameCrc(frame, at + 34) == tag.tagCrc;
+    tag.tagCrcMatches = TagCrcMatches(frame, frameSize, at + 34, tag.tagCrc);
 }
 
 int RefuseTag(const char* name, size_t needed, size_t size)
@@ -97,7 +113,7 @@ int ParseXing(const uint8_t* bytes, size_t size, size_t at, MpegAudioInfoTag& ta
     if ((tag.hasQuality = (flags & XingQuality) != 0))
         tag.quality = Read32(bytes + p), p += 4;
     if (size - p >= LameTagBytes && IsLameEncoder(bytes + p))
-        ReadLame(bytes, p, tag);
+        ReadLame(bytes, size, p, tag);
     return RESULT_OK;
 }
 
