@@ -158,6 +158,8 @@ const ConfigCase ConfigCases[] = {
     {"truncated in the rate", {0x12}, RESULT_FORMAT_ERROR},
     {"truncated in the explicit rate", PackBits({{2, 5}, {15, 4}, {1, 7}}), RESULT_FORMAT_ERROR},
     {"empty", {}, RESULT_FORMAT_ERROR},
+    {"sync extension cut inside its explicit rate",
+     PackBits({{2, 5}, {6, 4}, {2, 4}, {0, 3}, {0x2b7, 11}, {5, 5}, {1, 1}, {15, 4}, {0xFF, 8}}), RESULT_FORMAT_ERROR},
 };
 
 TEST(AacHeaders, ConfigurationsParseAndWriteBack)

@@ -172,6 +172,10 @@ int ReadSyncExtension(PlainBitReader& reader, AacAudioSpecificConfig& c)
         return r;
     if (reader.BitsLeft() >= 12 && reader.ReadBits(11) == SyncExtensionPs)
         c.psPresent = reader.ReadFlag();
+    if (reader.HasError()) {
+        Log(LogLevel::Error, "AacAudioSpecificConfig::Parse: the configuration ends inside its SBR sync extension\n");
+        return RESULT_FORMAT_ERROR;
+    }
     return RESULT_OK;
 }
 
