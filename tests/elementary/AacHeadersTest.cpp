@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
+
 #include <vek/core/Result.h>
 #include <vek/elementary/AacHeaders.h>
 

@@ -15,6 +15,7 @@ constexpr int32_t SamplingFrequencies[13] = {96000, 88200, 64000, 48000, 44100, 
 constexpr uint32_t ExplicitFrequencyIndex = 15;
 constexpr uint32_t SyncExtensionSbr = 0x2b7;
 constexpr uint32_t SyncExtensionPs = 0x548;
+constexpr uint32_t ErBsac = 22;
 
 // Channels and speakers of channel configurations 1..14; 8..10 are
 // reserved (0 channels). Configuration 13 (22.2) has no WAVE mask.
@@ -142,7 +143,7 @@ int ReadGeneralAudioConfig(PlainBitReader& reader, AacAudioSpecificConfig& c)
     if (c.objectType == AacObjectType::Scalable || c.objectType == 20)
         c.layerNumber = uint8_t(reader.ReadBits(3));
     if (c.extensionFlag) {
-        if (c.objectType == 22)
+        if (c.objectType == ErBsac)
             reader.SkipBits(5 + 11); // sub-frames, layer length
         if (c.objectType == 17 || c.objectType == 19 || c.objectType == 20 || c.objectType == 23)
             reader.SkipBits(3); // resilience flags
@@ -206,6 +207,8 @@ int AacAudioSpecificConfig::Parse(const uint8_t* bytes, size_t size, AacAudioSpe
         if (r < 0)
             return r;
         c.objectType = ReadObjectType(reader);
+        if (c.objectType == ErBsac)
+            c.extensionChannelConfiguration = uint8_t(reader.ReadBits(4));
     }
     if (reader.HasError()) {
         Log(LogLevel::Error, "AacAudioSpecificConfig::Parse: %zu bytes end inside the object type and rate\n", size);
@@ -260,6 +263,8 @@ int AacAudioSpecificConfig::Write(uint8_t* buffer, size_t capacity, size_t& writ
     if (hierarchical) {
         WriteFrequency(writer, extensionSamplingFrequencyIndex, extensionSamplingFrequency);
         WriteObjectType(writer, objectType);
+        if (objectType == ErBsac)
+            writer.WriteBits(extensionChannelConfiguration, 4);
     }
     writer.WriteBits(frameLength960, 1);
     writer.WriteBits(dependsOnCoreCoder, 1);

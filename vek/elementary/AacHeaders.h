@@ -55,6 +55,7 @@ struct VEK_API AacAudioSpecificConfig {
     bool psPresent = false;
     uint8_t extensionSamplingFrequencyIndex = 0;
     int32_t extensionSamplingFrequency = 0; // the SBR output rate, 0 without SBR
+    uint8_t extensionChannelConfiguration = 0; // ER BSAC cores behind SBR only
     // General-audio configuration.
     bool frameLength960 = false;
     bool dependsOnCoreCoder = false;
