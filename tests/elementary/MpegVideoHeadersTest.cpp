@@ -40,8 +40,9 @@ void ParseStream(const std::string& bytes, ParsedStream& out)
         const size_t n = next - at - 4;
         switch (data[at + 3]) {
         case MpegVideoStartCode::SequenceHeader:
-            if (!sawSequence)
+            if (!sawSequence) {
                 ASSERT_EQ(MpegVideoSequenceHeader::Parse(p, n, out.sequence.header), 0);
+            }
             sawSequence = true;
             break;
         case MpegVideoStartCode::Extension:
@@ -165,25 +166,30 @@ TEST(MpegVideoHeaders, SequencesAndPicturesMatchFfprobe)
         EXPECT_EQ(Fraction(n, d, '/'), JsonValue(probe, "r_frame_rate"));
         ASSERT_EQ(s.GetSampleAspectRatio(n, d), 0);
         EXPECT_NEAR(double(n) / d, Ratio(JsonValue(probe, "sample_aspect_ratio")), c.sarTolerance + 1e-9);
-        if (c.sarTolerance == 0)
+        if (c.sarTolerance == 0) {
             EXPECT_EQ(Fraction(n, d, ':'), JsonValue(probe, "sample_aspect_ratio"));
+        }
         ASSERT_EQ(s.GetDisplayAspectRatio(n, d), 0);
         EXPECT_NEAR(double(n) / d, Ratio(JsonValue(probe, "display_aspect_ratio")), 2 * c.sarTolerance + 1e-9);
         const std::string bitRate = JsonValue(probe, "bit_rate");
-        if (!bitRate.empty() && !c.mpeg2)
+        if (!bitRate.empty() && !c.mpeg2) {
             EXPECT_EQ(std::to_string(s.BitRate()), bitRate);
+        }
         if (c.mpeg2) {
             EXPECT_EQ(ProfileName(s), JsonValue(probe, "profile"));
-            if (!(s.extension.profileAndLevel & 0x80))
+            if (!(s.extension.profileAndLevel & 0x80)) {
                 EXPECT_EQ(std::to_string(s.extension.Level()), JsonValue(probe, "level"));
+            }
         }
-        if (s.hasDisplayExtension && s.display.colourDescription)
+        if (s.hasDisplayExtension && s.display.colourDescription) {
             EXPECT_EQ(s.display.colourPrimaries == 1 ? "bt709" : "?", JsonValue(probe, "color_primaries"));
+        }
 
         const std::vector<Picture> display = DisplayOrder(parsed.pictures);
         ASSERT_FALSE(display.empty());
-        if (c.mpeg2)
+        if (c.mpeg2) {
             EXPECT_EQ(FieldOrder(parsed.pictures.front()), JsonValue(probe, "field_order"));
+        }
         const std::vector<std::string> types = JsonValues(probe, "pict_type");
         const std::vector<std::string> interlaced = JsonValues(probe, "interlaced_frame");
         const std::vector<std::string> topFirst = JsonValues(probe, "top_field_first");
@@ -195,8 +201,9 @@ TEST(MpegVideoHeaders, SequencesAndPicturesMatchFfprobe)
             if (display[i].hasCodingExtension && i < interlaced.size()) {
                 EXPECT_EQ(display[i].coding.structure, MpegPictureStructure::Frame);
                 EXPECT_EQ(display[i].coding.progressiveFrame ? "0" : "1", interlaced[i]);
-                if (!display[i].coding.progressiveFrame)
+                if (!display[i].coding.progressiveFrame) {
                     EXPECT_EQ(display[i].coding.topFieldFirst ? "1" : "0", topFirst[i]);
+                }
             }
         }
         // Each GOP's time code counts the pictures before it (whole rates).
