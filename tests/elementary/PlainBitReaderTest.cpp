@@ -1,0 +1,74 @@
+#include <gtest/gtest.h>
+
+#include <vek/elementary/PlainBitReader.h>
+#include <vek/elementary/PlainBitWriter.h>
+
+using namespace Quorvex::Vek;
+
+namespace {
+
+struct Field {
+    uint32_t value;
+    int bits;
+};
+
+// Fields of every width, at every alignment, written and read back.
+TEST(PlainBitReader, ReadsBackWhatTheWriterWrote)
+{
+    const Field fields[] = {{1, 1},          {0x5, 3},     {0xABC, 12}, {0, 0},        {0x1FFFF, 17},
+                            {0xDEADBEEF, 32}, {0x3, 2},     {0x7F, 7},   {0x12345678, 32}, {0, 5}};
+    uint8_t buffer[32] = {};
+    PlainBitWriter writer(buffer, sizeof buffer);
+    size_t bits = 0;
+    for (const Field& f : fields) {
+        writer.WriteBits(f.value, f.bits);
+        bits += size_t(f.bits);
+    }
+    ASSERT_FALSE(writer.HasError());
+    EXPECT_EQ(writer.BytesWritten(), (bits + 7) / 8);
+    PlainBitReader reader(buffer, writer.BytesWritten());
+    for (const Field& f : fields)
+        EXPECT_EQ(reader.ReadBits(f.bits), f.value) << f.bits << " bits";
+    EXPECT_FALSE(reader.HasError());
+    EXPECT_EQ(reader.BitPosition(), bits);
+}
+
+TEST(PlainBitReader, ReadsPastTheEndGiveZeroAndAStickyError)
+{
+    const uint8_t bytes[2] = {0xFF, 0xFF};
+    PlainBitReader reader(bytes, sizeof bytes);
+    EXPECT_EQ(reader.ReadBits(12), 0xFFFu);
+    EXPECT_EQ(reader.BitsLeft(), 4u);
+    EXPECT_EQ(reader.ReadBits(5), 0u);
+    EXPECT_TRUE(reader.HasError());
+    EXPECT_EQ(reader.ReadBits(1), 0u); // stays failed although a bit is left
+    EXPECT_EQ(reader.BitsLeft(), 0u);
+
+    PlainBitReader wide(bytes, sizeof bytes);
+    EXPECT_EQ(wide.ReadBits(33), 0u);
+    EXPECT_TRUE(wide.HasError());
+
+    PlainBitReader skip(bytes, sizeof bytes);
+    skip.SkipBits(3);
+    skip.ByteAlign();
+    EXPECT_EQ(skip.BitPosition(), 8u);
+    skip.SkipBits(SIZE_MAX);
+    EXPECT_TRUE(skip.HasError());
+
+    PlainBitReader none(nullptr, 100);
+    EXPECT_EQ(none.ReadBits(1), 0u);
+    EXPECT_TRUE(none.HasError());
+}
+
+TEST(PlainBitWriter, WritesPastTheBufferAreRefused)
+{
+    uint8_t buffer[2] = {0xAA, 0xAA};
+    PlainBitWriter writer(buffer, 1);
+    writer.WriteBits(0x5, 4);
+    writer.WriteBits(0x1F, 5);
+    EXPECT_TRUE(writer.HasError());
+    EXPECT_EQ(buffer[1], 0xAA);
+    EXPECT_EQ(buffer[0] >> 4, 0x5);
+}
+
+} // namespace
