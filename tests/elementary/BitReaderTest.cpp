@@ -2,6 +2,8 @@
 
 #include <vek/elementary/BitReader.h>
 
+#include "BitWriter.h"
+
 #include <random>
 #include <vector>
 
@@ -9,51 +11,7 @@ using namespace Quorvex::Vek;
 
 namespace {
 
-// Writes bits most significant first: the independent side of the tests.
-struct BitWriter {
-    std::vector<uint8_t> bytes;
-    int used = 8;
-    void Bit(int bit)
-    {
-        if (used == 8) {
-            bytes.push_back(0);
-            used = 0;
-        }
-        if (bit)
-            bytes.back() |= uint8_t(0x80 >> used);
-        ++used;
-    }
-    void Bits(uint64_t value, int count)
-    {
-        for (int i = count - 1; i >= 0; --i)
-            Bit(int(value >> i & 1));
-    }
-    void UE(uint64_t value)
-    {
-        const uint64_t coded = value + 1;
-        int length = 0;
-        while ((coded >> length) > 1)
-            ++length;
-        Bits(0, length);
-        Bits(coded, length + 1);
-    }
-    // Inserts an escape byte after every two zeros followed by 00..03, as
-    // an encoder does.
-    std::vector<uint8_t> Escaped() const
-    {
-        std::vector<uint8_t> out;
-        int zeros = 0;
-        for (uint8_t b : bytes) {
-            if (zeros >= 2 && b <= 3) {
-                out.push_back(3);
-                zeros = 0;
-            }
-            out.push_back(b);
-            zeros = b == 0 ? zeros + 1 : 0;
-        }
-        return out;
-    }
-};
+using VekTest::BitWriter;
 
 TEST(BitReader, ExpGolombRoundTripsThroughEscapes)
 {
