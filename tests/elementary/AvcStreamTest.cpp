@@ -2,6 +2,7 @@
 // fact compared with what ffprobe reads from the same stream.
 #include <gtest/gtest.h>
 
+#include <vek/core/Result.h>
 #include <vek/elementary/AvcDecoderConfiguration.h>
 #include <vek/elementary/AvcNalHeader.h>
 #include <vek/elementary/AvcPictureOrderCounter.h>
@@ -34,7 +35,7 @@ struct AvcCase {
 };
 
 const AvcCase Cases[] = {
-    {"progressive 1080p cropped", "-f lavfi -i testsrc2=size=1920x1080:rate=25 -frames:v 12 -c:v libx264 -preset veryfast "
+    {"progressive 1080p cropped", "-f lavfi -i testsrc2=size=1920x1080:rate=25 -frames:v 5 -c:v libx264 -preset veryfast "
      "-color_primaries bt709 -color_trc bt709 -colorspace bt709",
      false, false, false, 1},
     {"MBAFF top field first", "-f lavfi -i testsrc2=size=720x576:rate=25 -frames:v 10 -c:v libx264 -preset veryfast "
@@ -168,18 +169,6 @@ std::string DisplayOrderTypes(const ParsedStream& stream)
     return types;
 }
 
-// The 'avcC' payload of an MP4 file, found by its type code.
-std::vector<uint8_t> FindBox(const std::string& file, const char* type)
-{
-    const size_t at = file.find(type);
-    if (at == std::string::npos || at < 4)
-        return {};
-    const auto* p = reinterpret_cast<const uint8_t*>(file.data()) + at - 4;
-    const uint32_t size = uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
-    if (size < 8 || size - 4 > file.size() - at)
-        return {};
-    return std::vector<uint8_t>(p + 8, p + size);
-}
 
 TEST_P(AvcStream, MatchesFfprobe)
 {
@@ -244,11 +233,17 @@ TEST_P(AvcStream, MatchesFfprobe)
     EXPECT_EQ(c.severalSlices, stream.slices.size() > pictures);
     EXPECT_EQ(DisplayOrderTypes(stream), VekTest::ProbeFrameTypes(path));
 
+    // Every cut of the real parameter set that loses a whole byte of it is refused.
+    for (size_t size = 0; size + 1 < stream.firstSps.size(); ++size) {
+        AvcSequenceParameterSet cut;
+        EXPECT_EQ(AvcSequenceParameterSet::Parse(stream.firstSps.data(), size, cut), RESULT_FORMAT_ERROR) << size;
+    }
+
     // The decoder configuration record ffmpeg writes into MP4 carries the
     // same parameter set, and writing it back gives the same bytes.
     const std::string mp4 = dir.File("stream.mp4");
     ASSERT_TRUE(VekTest::RunFfmpeg("-i '" + path + "' -c copy", mp4));
-    const std::vector<uint8_t> record = FindBox(VekTest::ReadFile(mp4), "avcC");
+    const std::vector<uint8_t> record = VekTest::FindBox(VekTest::ReadFile(mp4), "avcC");
     ASSERT_FALSE(record.empty());
     AvcDecoderConfiguration config;
     ASSERT_EQ(AvcDecoderConfiguration::Parse(record.data(), record.size(), config), 0);

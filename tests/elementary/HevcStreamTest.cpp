@@ -2,6 +2,7 @@
 // parsed fact compared with what ffprobe reads from the same stream.
 #include <gtest/gtest.h>
 
+#include <vek/core/Result.h>
 #include <vek/elementary/HevcDecoderConfiguration.h>
 #include <vek/elementary/HevcNalHeader.h>
 #include <vek/elementary/HevcPictureOrderCounter.h>
@@ -31,7 +32,7 @@ struct HevcCase {
 };
 
 const HevcCase Cases[] = {
-    {"Main 1080p", "-f lavfi -i testsrc2=size=1920x1080:rate=25 -frames:v 12 -c:v libx265 -preset ultrafast "
+    {"Main 1080p", "-f lavfi -i testsrc2=size=1920x1080:rate=25 -frames:v 5 -c:v libx265 -preset ultrafast "
      "-color_primaries bt709 -color_trc bt709 -colorspace bt709", "", true, false, false},
     {"Main odd size cropped", "-f lavfi -i testsrc2=size=714x402:rate=30000/1001 -frames:v 10 -c:v libx265 -preset ultrafast "
      "-vf setsar=7/5", "", true, true, false},
@@ -39,7 +40,7 @@ const HevcCase Cases[] = {
      false, false, false},
     {"4:2:2 10-bit 16:11", "-f lavfi -i testsrc2=size=720x576:rate=25 -frames:v 10 -pix_fmt yuv422p10le -vf setsar=16/11 "
      "-c:v libx265 -preset ultrafast", "", false, false, false},
-    {"B-pyramid, slices", "-f lavfi -i testsrc2=size=416x240:rate=24 -frames:v 30 -c:v libx265 -preset medium",
+    {"B-pyramid, slices", "-f lavfi -i testsrc2=size=416x240:rate=24 -frames:v 30 -c:v libx265 -preset fast",
      ":bframes=4:b-pyramid=1:b-adapt=0:slices=3", false, false, true},
 };
 
@@ -125,17 +126,6 @@ std::string DisplayOrderTypes(const ParsedStream& stream)
     return types;
 }
 
-std::vector<uint8_t> FindBox(const std::string& file, const char* type)
-{
-    const size_t at = file.find(type);
-    if (at == std::string::npos || at < 4)
-        return {};
-    const auto* p = reinterpret_cast<const uint8_t*>(file.data()) + at - 4;
-    const uint32_t size = uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
-    if (size < 8 || size - 4 > file.size() - at)
-        return {};
-    return std::vector<uint8_t>(p + 8, p + size);
-}
 
 class HevcStream : public ::testing::TestWithParam<HevcCase> {};
 
@@ -189,9 +179,19 @@ TEST_P(HevcStream, MatchesFfprobe)
     EXPECT_TRUE(HevcNalHeader::IsIrap(stream.slices[0].nalType));
     EXPECT_EQ(DisplayOrderTypes(stream), VekTest::ProbeFrameTypes(path));
 
+    // Every cut of the real sequence set that loses a whole byte of it is refused.
+    for (const auto& unit : units) {
+        HevcNalHeader header;
+        if (!HevcNalHeader::Parse(unit.data(), unit.size(), header) || header.type != HevcNalHeader::SequenceParameterSet)
+            continue;
+        auto cut = std::make_unique<HevcSequenceParameterSet>();
+        for (size_t size = 0; size + 1 < unit.size(); ++size)
+            EXPECT_EQ(HevcSequenceParameterSet::Parse(unit.data(), size, *cut), RESULT_FORMAT_ERROR) << size;
+    }
+
     const std::string mp4 = dir.File("stream.mp4");
     ASSERT_TRUE(VekTest::RunFfmpeg("-i '" + path + "' -c copy", mp4));
-    const std::vector<uint8_t> record = FindBox(VekTest::ReadFile(mp4), "hvcC");
+    const std::vector<uint8_t> record = VekTest::FindBox(VekTest::ReadFile(mp4), "hvcC");
     ASSERT_FALSE(record.empty());
     HevcDecoderConfiguration config;
     ASSERT_EQ(HevcDecoderConfiguration::Parse(record.data(), record.size(), config), 0);

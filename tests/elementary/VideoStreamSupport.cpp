@@ -73,6 +73,18 @@ std::string JsonValue(const std::string& json, const std::string& key)
     return json.substr(at, end - at);
 }
 
+std::vector<uint8_t> FindBox(const std::string& file, const char* type)
+{
+    const size_t at = file.find(type);
+    if (at == std::string::npos || at < 4)
+        return {};
+    const auto* p = reinterpret_cast<const uint8_t*>(file.data()) + at - 4;
+    const uint32_t size = uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
+    if (size < 8 || size - 4 > file.size() - at)
+        return {};
+    return std::vector<uint8_t>(p + 8, p + size);
+}
+
 std::vector<std::vector<uint8_t>> SplitAnnexB(const std::string& bytes)
 {
     std::vector<std::vector<uint8_t>> units;

@@ -23,6 +23,10 @@ std::string ProbeFrameTypes(const std::string& path);
 // The value of "key" in a flat JSON object: text without quotes, "" when absent.
 std::string JsonValue(const std::string& json, const std::string& key);
 
+// The payload of the first box of type `type` (four characters) in an MP4
+// file, found by searching for its type code; empty when absent or cut.
+std::vector<uint8_t> FindBox(const std::string& file, const char* type);
+
 // The NAL units of an Annex B stream (prefixes removed), found the simple
 // way, byte by byte, independent of the library's scanner.
 std::vector<std::vector<uint8_t>> SplitAnnexB(const std::string& bytes);
