@@ -5,6 +5,7 @@
 #include <vek/elementary/StartCodeScanner.h>
 
 #include <cstdlib>
+#include <initializer_list>
 
 using namespace Quorvex::Vek;
 
