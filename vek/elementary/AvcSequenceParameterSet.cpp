@@ -4,6 +4,7 @@
 #include <vek/elementary/AvcNalHeader.h>
 #include <vek/elementary/BitReader.h>
 #include <vek/elementary/FieldCheck.h>
+#include <vek/elementary/VideoSignalType.h>
 
 namespace Quorvex::Vek {
 
@@ -86,26 +87,8 @@ int ParseVui(BitReader& bits, AvcVideoUsability& vui)
     vui.overscanPresent = bits.ReadFlag();
     if (vui.overscanPresent)
         vui.overscanAppropriate = bits.ReadFlag();
-    vui.videoSignalTypePresent = bits.ReadFlag();
-    if (vui.videoSignalTypePresent) {
-        vui.videoFormat = uint8_t(bits.ReadBits(3));
-        vui.fullRange = bits.ReadFlag();
-        vui.colourDescriptionPresent = bits.ReadFlag();
-        if (vui.colourDescriptionPresent) {
-            vui.colourPrimaries = uint8_t(bits.ReadBits(8));
-            vui.transferCharacteristics = uint8_t(bits.ReadBits(8));
-            vui.matrixCoefficients = uint8_t(bits.ReadBits(8));
-        }
-    }
-    vui.chromaLocationPresent = bits.ReadFlag();
-    if (vui.chromaLocationPresent) {
-        const uint32_t top = bits.ReadUE();
-        const uint32_t bottom = bits.ReadUE();
-        if (top > 5 || bottom > 5)
-            return FieldCheck::Refuse(Where, "chroma_sample_loc_type", top > 5 ? top : bottom);
-        vui.chromaSampleLocTop = uint8_t(top);
-        vui.chromaSampleLocBottom = uint8_t(bottom);
-    }
+    if (const int result = ReadVideoSignalTypeAndChromaLocation(bits, vui, Where); result < 0)
+        return result;
     vui.timingPresent = bits.ReadFlag();
     if (vui.timingPresent) {
         vui.numUnitsInTick = bits.ReadBits(32);

@@ -46,14 +46,8 @@ int CAudioFilter::Evaluate(const CAudioProperties* properties)
 {
     if (!properties)
         return 0;
-    RObject<FormatList> inputs(GetInputFormats());
-    if (!inputs)
-        return 0;
     const uint32_t format = properties->GetFormat();
-    if (inputs->Contains(format) || inputs->Contains(AudioFormat::GetCanonicalFormat(format)) ||
-        inputs->Contains(AudioFormat::GetCategoricalFormat(format)))
-        return AcceptScore;
-    return 0;
+    return ScoreFormatFamily(format, AudioFormat::GetCanonicalFormat(format), AudioFormat::GetCategoricalFormat(format));
 }
 
 int CAudioFilter::Flush()

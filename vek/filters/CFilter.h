@@ -257,6 +257,17 @@ protected:
         return RESULT_OK;
     }
 
+    // AcceptScore when `format`, else `canonical`, else `categorical` is
+    // among the inputs; 0 otherwise (also without memory for the list).
+    int ScoreFormatFamily(unsigned int format, unsigned int canonical, unsigned int categorical)
+    {
+        RObject<FormatList> inputs(GetInputFormats());
+        if (!inputs)
+            return 0;
+        return inputs->Contains(format) || inputs->Contains(canonical) || inputs->Contains(categorical) ? AcceptScore
+                                                                                                        : 0;
+    }
+
     // One write and one read, for the kinds' single-call operations
     // (Compress, Decompress, Analyze ...): the write's failure, else the
     // read's answer (0 with a sample in `output`, 1 without).

@@ -83,14 +83,8 @@ int CVideoFilter::Evaluate(const CVideoProperties* properties)
                 return AcceptScore;
         return 0;
     }
-    RObject<FormatList> inputs(GetInputFormats());
-    if (!inputs)
-        return 0;
     const uint32_t format = properties->GetFormat();
-    if (inputs->Contains(format) || inputs->Contains(VideoFormat::GetCanonicalFormat(format)) ||
-        inputs->Contains(VideoFormat::GetCategoricalFormat(format)))
-        return AcceptScore;
-    return 0;
+    return ScoreFormatFamily(format, VideoFormat::GetCanonicalFormat(format), VideoFormat::GetCategoricalFormat(format));
 }
 
 int CVideoFilter::Flush()
