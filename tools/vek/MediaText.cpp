@@ -6,6 +6,7 @@
 #include <vek/containers/CContainer.h>
 #include <vek/media/AudioFormat.h>
 #include <vek/media/AudioProperty.h>
+#include <vek/media/VideoFormat.h>
 
 using namespace Quorvex::Vek;
 
@@ -38,6 +39,12 @@ std::string FormatName(uint32_t audioFormat)
 {
     const char* name = AudioFormat::GetName(audioFormat);
     return name ? name : CodeText(audioFormat);
+}
+
+std::string VideoFormatName(uint32_t videoFormat)
+{
+    const char* name = VideoFormat::GetName(videoFormat);
+    return name ? name : CodeText(videoFormat);
 }
 
 std::string ClockText(double seconds)
@@ -87,20 +94,8 @@ std::vector<std::pair<std::string, double>> LoudnessValues(CAudioProperties* pro
 
 namespace {
 
-std::string BagValueText(CContainer* container, const char* key)
+std::string HexText(const unsigned char* bytes, int32_t length)
 {
-    if (container->GetPropertyDescription(key)) {
-        RObject<CString> text(container->GetPropertyValue(key));
-        return text ? text->GetChars() : "";
-    }
-    CByteArray* value = container->GetProperty(key);
-    const int32_t length = value ? value->GetLength() : 0;
-    const unsigned char* bytes = length ? value->GetData() : nullptr;
-    bool printable = bytes != nullptr;
-    for (int32_t i = 0; printable && i < length; ++i)
-        printable = bytes[i] >= 0x20 || bytes[i] == '\n' || bytes[i] == '\r' || bytes[i] == '\t';
-    if (printable)
-        return std::string(reinterpret_cast<const char*>(bytes), size_t(length));
     std::string hex;
     for (int32_t i = 0; bytes && i < length; ++i) {
         char pair[3];
@@ -110,23 +105,67 @@ std::string BagValueText(CContainer* container, const char* key)
     return hex;
 }
 
-} // namespace
+bool IsPrintableText(const unsigned char* bytes, int32_t length)
+{
+    bool printable = bytes != nullptr;
+    for (int32_t i = 0; printable && i < length; ++i)
+        printable = bytes[i] >= 0x20 || bytes[i] == '\n' || bytes[i] == '\r' || bytes[i] == '\t';
+    return printable;
+}
 
-std::vector<std::pair<std::string, std::string>> ContainerTags(CContainer* container)
+// A stored value as text: through the bag's accessor where it has one, else
+// printable text as it is (a zero terminator dropped when `numbers`), with
+// `numbers` 1, 2, 4 and 8-byte values as little-endian integers, and
+// anything else as hex.
+std::string BagValueText(IProperties* bag, const char* key, bool numbers)
+{
+    if (bag->GetPropertyDescription(key)) {
+        RObject<CString> text(bag->GetPropertyValue(key));
+        return text ? text->GetChars() : "";
+    }
+    CByteArray* value = bag->GetProperty(key);
+    int32_t length = value ? value->GetLength() : 0;
+    const unsigned char* bytes = length ? value->GetData() : nullptr;
+    if (numbers && bytes && length > 1 && bytes[length - 1] == 0 && IsPrintableText(bytes, length - 1))
+        --length;
+    else if (numbers && bytes && (length == 1 || length == 2 || length == 4 || length == 8)) {
+        uint64_t number = 0;
+        for (int32_t i = length; i-- > 0;)
+            number = number << 8 | bytes[i];
+        return std::to_string(number);
+    }
+    if (IsPrintableText(bytes, length))
+        return std::string(reinterpret_cast<const char*>(bytes), size_t(length));
+    return HexText(bytes, length);
+}
+
+std::vector<std::pair<std::string, std::string>> BagTags(IProperties* bag, bool numbers)
 {
     std::vector<std::pair<std::string, std::string>> tags;
-    const int32_t count = container->GetPropertyCount();
+    const int32_t count = bag->GetPropertyCount();
     for (int32_t i = 0; i < count; ++i) {
-        CString* key = container->GetPropertyName(i);
+        CString* key = bag->GetPropertyName(i);
         if (!key)
             continue;
-        std::string value = BagValueText(container, key->GetChars());
+        std::string value = BagValueText(bag, key->GetChars(), numbers);
         // Coding histories end their lines with CR LF, the last one too.
         while (!value.empty() && (value.back() == '\n' || value.back() == '\r'))
             value.pop_back();
         tags.emplace_back(key->GetChars(), value);
     }
     return tags;
+}
+
+} // namespace
+
+std::vector<std::pair<std::string, std::string>> ContainerTags(CContainer* container)
+{
+    return BagTags(container, false);
+}
+
+std::vector<std::pair<std::string, std::string>> MediaTags(IProperties* properties)
+{
+    return BagTags(properties, true);
 }
 
 } // namespace VekTool

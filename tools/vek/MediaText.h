@@ -11,6 +11,7 @@
 namespace Quorvex::Vek {
 class CAudioProperties;
 class CContainer;
+class IProperties;
 } // namespace Quorvex::Vek
 
 namespace VekTool {
@@ -33,5 +34,10 @@ std::vector<std::pair<std::string, double>> LoudnessValues(Quorvex::Vek::CAudioP
 // the container's accessor where it has one, else printable text as it is
 // and anything else as hex.
 std::vector<std::pair<std::string, std::string>> ContainerTags(Quorvex::Vek::CContainer* container);
+// The same for a track's description, where small binary values are
+// numbers (little-endian) and zero-terminated texts lose their terminator.
+std::vector<std::pair<std::string, std::string>> MediaTags(Quorvex::Vek::IProperties* properties);
+// The video format's display name, or its code when it has none.
+std::string VideoFormatName(uint32_t videoFormat);
 
 } // namespace VekTool

@@ -1,6 +1,7 @@
 // vek probe: what a media file is: its container format, duration and size,
 // its container facts (broadcast-wave text, UMID, time reference ...) and
-// every track with its properties and sample count, as text for people or
+// every track (video first, then audio) with its properties, its stream's
+// own facts and its sample count, as text for people or
 // one JSON object for scripts.
 #include "Commands.h"
 #include "FileCommandLine.h"
@@ -13,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include <vek/containers/CMediaIndexer.h>
 #include <vek/containers/ContainerAnalyzer.h>
 #include <vek/media/AudioFormat.h>
 #include <vek/media/AudioProperty.h>
@@ -55,13 +57,56 @@ struct AudioFacts {
     std::vector<std::pair<std::string, double>> loudness;
 };
 
+// One video track's facts, in the order they are printed.
+struct VideoFacts {
+    uint32_t format = 0;
+    int32_t width = 0;
+    int32_t height = 0;
+    int64_t aspectNumerator = 0, aspectDenominator = 0;
+    int64_t rateNumerator = 0, rateDenominator = 0;
+    int32_t subsamplingAcross = 0, subsamplingDown = 0;
+    uint32_t fieldOrder = 0;
+    uint32_t colorSpace = 0;
+    int64_t bitRate = 0;
+    int64_t timeScale = 0;
+    double seconds = 0;
+    int64_t samples = 0;
+    std::vector<std::pair<std::string, std::string>> tags; // the description's own facts
+};
+
 struct ProbeFacts {
     std::string formatName;
     uint32_t formatCode = 0;
     double seconds = 0;
     std::vector<std::pair<std::string, std::string>> tags;
+    std::vector<VideoFacts> video;
     std::vector<AudioFacts> audio;
 };
+
+const char* FieldOrderText(uint32_t order)
+{
+    static const char* const names[] = {"unknown", "progressive", "top field first", "bottom field first"};
+    return order < 4 ? names[order] : "?";
+}
+
+VideoFacts DescribeVideo(CVideoProperties* properties, CMediaIndexer* index)
+{
+    VideoFacts facts;
+    facts.format = properties->GetFormat();
+    facts.width = properties->GetWidth();
+    facts.height = properties->GetHeight();
+    properties->GetPixelAspectRatio(facts.aspectNumerator, facts.aspectDenominator);
+    properties->GetFrameRate(facts.rateNumerator, facts.rateDenominator);
+    properties->GetSubsampling(facts.subsamplingAcross, facts.subsamplingDown);
+    facts.fieldOrder = properties->GetFieldOrder();
+    facts.colorSpace = properties->GetColorSpace();
+    facts.bitRate = properties->GetBitRate();
+    facts.timeScale = properties->GetTimeScale();
+    facts.seconds = index ? index->GetDurationInSeconds() : 0;
+    facts.samples = index ? index->GetSampleCount() : 0;
+    facts.tags = MediaTags(properties);
+    return facts;
+}
 
 AudioFacts DescribeAudio(CAudioProperties* properties, int64_t samples)
 {
@@ -104,6 +149,12 @@ int Probe(MediaSource& source, ProbeFacts& facts)
     facts.formatName = analyzer.GetFormatName();
     facts.tags = ContainerTags(reader);
     facts.seconds = analyzer.GetDuration();
+    const int32_t videoTracks = reader->GetVideoMediaCount();
+    for (int32_t track = 0; track < videoTracks; ++track) {
+        CVideoProperties* properties = reader->GetVideoProperties(track);
+        if (properties)
+            facts.video.push_back(DescribeVideo(properties, analyzer.GetVideoIndexer(track)));
+    }
     const int32_t tracks = reader->GetAudioMediaCount();
     for (int32_t track = 0; track < tracks; ++track) {
         CAudioProperties* properties = reader->GetAudioProperties(track);
@@ -127,18 +178,64 @@ std::string IndentLines(const std::string& value)
     return text;
 }
 
+void PrintVideoText(size_t index, const VideoFacts& v)
+{
+    std::printf("track %zu: video, %s ('%s')\n", index, VideoFormatName(v.format).c_str(), CodeText(v.format).c_str());
+    std::printf("  size:              %d x %d\n", v.width, v.height);
+    std::printf("  pixel aspect:      %lld:%lld\n", static_cast<long long>(v.aspectNumerator),
+                static_cast<long long>(v.aspectDenominator));
+    std::printf("  frame rate:        %lld/%lld\n", static_cast<long long>(v.rateNumerator),
+                static_cast<long long>(v.rateDenominator));
+    std::printf("  subsampling:       %d x %d\n", v.subsamplingAcross, v.subsamplingDown);
+    std::printf("  field order:       %s\n", FieldOrderText(v.fieldOrder));
+    std::printf("  colour space:      %s\n", v.colorSpace ? CodeText(v.colorSpace).c_str() : "unknown");
+    std::printf("  bit rate:          %lld bit/s\n", static_cast<long long>(v.bitRate));
+    std::printf("  time scale:        %lld\n", static_cast<long long>(v.timeScale));
+    std::printf("  duration:          %.6f s\n", v.seconds);
+    std::printf("  samples:           %lld\n", static_cast<long long>(v.samples));
+    for (const auto& [key, value] : v.tags)
+        std::printf("  %-32s %s\n", key.c_str(), value.c_str());
+}
+
+void PrintVideoJson(size_t index, const VideoFacts& v)
+{
+    std::printf("%s\n    {\n", index ? "," : "");
+    std::printf("      \"index\": %zu,\n      \"type\": \"video\",\n", index);
+    std::printf("      \"codec\": %s,\n", JsonString(VideoFormatName(v.format)).c_str());
+    std::printf("      \"codec_tag\": %s,\n", JsonString(CodeText(v.format)).c_str());
+    std::printf("      \"width\": %d,\n      \"height\": %d,\n", v.width, v.height);
+    std::printf("      \"sample_aspect_ratio\": \"%lld:%lld\",\n", static_cast<long long>(v.aspectNumerator),
+                static_cast<long long>(v.aspectDenominator));
+    std::printf("      \"frame_rate\": \"%lld/%lld\",\n", static_cast<long long>(v.rateNumerator),
+                static_cast<long long>(v.rateDenominator));
+    std::printf("      \"subsampling\": [%d, %d],\n", v.subsamplingAcross, v.subsamplingDown);
+    std::printf("      \"field_order\": %s,\n", JsonString(FieldOrderText(v.fieldOrder)).c_str());
+    std::printf("      \"colour_space\": %s,\n", JsonString(v.colorSpace ? CodeText(v.colorSpace) : "").c_str());
+    std::printf("      \"bit_rate\": %lld,\n      \"time_scale\": %lld,\n", static_cast<long long>(v.bitRate),
+                static_cast<long long>(v.timeScale));
+    std::printf("      \"duration\": %.6f,\n      \"samples\": %lld,\n", v.seconds, static_cast<long long>(v.samples));
+    std::printf("      \"tags\": {");
+    for (size_t i = 0; i < v.tags.size(); ++i)
+        std::printf("%s\n        %s: %s", i ? "," : "", JsonString(v.tags[i].first).c_str(),
+                    JsonString(v.tags[i].second).c_str());
+    std::printf("%s}\n    }", v.tags.empty() ? "" : "\n      ");
+}
+
 void PrintText(const MediaSource& source, const ProbeFacts& facts)
 {
     std::printf("file:      %s\n", source.path.c_str());
     std::printf("format:    %s\n", facts.formatName.c_str());
     std::printf("size:      %lld bytes\n", static_cast<long long>(source.size));
     std::printf("duration:  %s (%.6f s)\n", ClockText(facts.seconds).c_str(), facts.seconds);
-    std::printf("tracks:    %zu\n", facts.audio.size());
+    std::printf("tracks:    %zu\n", facts.video.size() + facts.audio.size());
     for (const auto& [key, value] : facts.tags)
         std::printf("  %-32s %s\n", key.c_str(), IndentLines(value).c_str());
+    for (size_t i = 0; i < facts.video.size(); ++i)
+        PrintVideoText(i, facts.video[i]);
     for (size_t i = 0; i < facts.audio.size(); ++i) {
         const AudioFacts& a = facts.audio[i];
-        std::printf("track %zu: audio, %s ('%s')\n", i, FormatName(a.format).c_str(), CodeText(a.format).c_str());
+        std::printf("track %zu: audio, %s ('%s')\n", facts.video.size() + i, FormatName(a.format).c_str(),
+                    CodeText(a.format).c_str());
         std::printf("  sample rate:       %d Hz\n", a.sampleRate);
         std::printf("  channels:          %d%s%s\n", a.channels, a.positions.empty() ? "" : " ",
                     a.positions.empty() ? "" : PositionsText(a.positions).c_str());
@@ -162,16 +259,19 @@ void PrintJson(const MediaSource& source, const ProbeFacts& facts)
     std::printf("    \"format_name\": %s,\n", JsonString(facts.formatName).c_str());
     std::printf("    \"size\": %lld,\n", static_cast<long long>(source.size));
     std::printf("    \"duration\": %.6f,\n", facts.seconds);
-    std::printf("    \"nb_tracks\": %zu,\n", facts.audio.size());
+    std::printf("    \"nb_tracks\": %zu,\n", facts.video.size() + facts.audio.size());
     std::printf("    \"tags\": {");
     for (size_t i = 0; i < facts.tags.size(); ++i)
         std::printf("%s\n      %s: %s", i ? "," : "", JsonString(facts.tags[i].first).c_str(),
                     JsonString(facts.tags[i].second).c_str());
     std::printf("%s}\n  },\n  \"tracks\": [", facts.tags.empty() ? "" : "\n    ");
+    for (size_t i = 0; i < facts.video.size(); ++i)
+        PrintVideoJson(i, facts.video[i]);
     for (size_t i = 0; i < facts.audio.size(); ++i) {
         const AudioFacts& a = facts.audio[i];
-        std::printf("%s\n    {\n", i ? "," : "");
-        std::printf("      \"index\": %zu,\n      \"type\": \"audio\",\n", i);
+        const size_t index = facts.video.size() + i;
+        std::printf("%s\n    {\n", index ? "," : "");
+        std::printf("      \"index\": %zu,\n      \"type\": \"audio\",\n", index);
         std::printf("      \"codec\": %s,\n", JsonString(FormatName(a.format)).c_str());
         std::printf("      \"codec_tag\": %s,\n", JsonString(CodeText(a.format)).c_str());
         std::printf("      \"sample_rate\": %d,\n      \"channels\": %d,\n", a.sampleRate, a.channels);
@@ -191,7 +291,7 @@ void PrintJson(const MediaSource& source, const ProbeFacts& facts)
             std::printf(",\n      %s: %.2f", JsonString(key).c_str(), value);
         std::printf("\n    }");
     }
-    std::printf("%s]\n}\n", facts.audio.empty() ? "" : "\n  ");
+    std::printf("%s]\n}\n", facts.video.empty() && facts.audio.empty() ? "" : "\n  ");
 }
 
 } // namespace

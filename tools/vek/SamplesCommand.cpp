@@ -1,5 +1,6 @@
 // vek samples: the samples a reader cuts from a file, track by track, in
-// decode order: index, time, duration, byte position and size.
+// decode order: index, time, duration, byte position and size; for video
+// also the presentation time, picture type and key-frame flag.
 #include "Commands.h"
 #include "FileCommandLine.h"
 #include "Json.h"
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 #include <vek/containers/CContainerReader.h>
 
@@ -21,9 +23,11 @@ void PrintUsage(std::FILE* out)
 {
     std::fputs("usage: vek samples [--json] [--limit N] FILE|URI\n"
                "\n"
-               "Lists the samples of every audio track in decode order: index, time and\n"
-               "duration (in the track's time units and in seconds), byte position in\n"
-               "the file and size.\n"
+               "Lists the samples of every video and audio track in decode order: index,\n"
+               "time and duration (in seconds; the track's time units in --json), byte\n"
+               "position in the file and size. Video samples also show their presentation\n"
+               "time, picture type (I, P, B) and whether they are key frames (K); samples\n"
+               "a decoder drops are marked X.\n"
                "\n"
                "  --limit N  stop after N samples per track\n"
                "  --json     print one JSON object with a \"tracks\" array\n"
@@ -36,11 +40,18 @@ void PrintUsage(std::FILE* out)
 struct Row {
     int64_t index, time, duration, position;
     int32_t size;
+    int64_t presentation = 0;
+    char type = 0; // picture type letter; 0 for audio
+    bool key = false;
+    bool excluded = false;
 };
 
 Row Describe(int64_t index, CMediaSample* sample)
 {
     Row row{index, sample->GetTime(), sample->GetDuration(), -1, 0};
+    row.key = (sample->GetHint() & CMediaSample::KeyFrameAligned) != 0;
+    row.excluded = (sample->GetHint() & CMediaSample::Exclude) != 0;
+    row.presentation = sample->GetCompositionTime();
     CMediaSampleDataReference* reference = sample->GetDataReference();
     if (reference && reference->IsType(CContainerDataReference::Type)) {
         auto* range = static_cast<CContainerDataReference*>(reference);
@@ -50,38 +61,76 @@ Row Describe(int64_t index, CMediaSample* sample)
     return row;
 }
 
-int ListAudioTrack(CContainerReader* reader, int32_t track, int64_t limit, bool json)
+Row Describe(int64_t index, CVideoSample* sample)
 {
-    CAudioProperties* properties = reader->GetAudioProperties(track);
+    Row row = Describe(index, static_cast<CMediaSample*>(sample));
+    const int32_t type = sample->GetPictureType();
+    row.type = type >= CVideoSample::I && type <= CVideoSample::B ? CVideoSample::PictureType[type][0] : '?';
+    return row;
+}
+
+void PrintHeading(const char* kind, int32_t track, double rate, bool video)
+{
+    std::printf("track %d: %s, time scale %.0f\n%8s %14s ", track, kind, rate, "index", "time");
+    if (video)
+        std::printf("%14s %4s ", "presentation", "type");
+    std::printf("%12s %12s %10s\n", "duration", "position", "size");
+}
+
+void PrintRow(const Row& row, double rate, bool json, bool first)
+{
+    if (json) {
+        std::printf("%s\n      {\"index\": %lld, \"time\": %lld, \"duration\": %lld, \"time_seconds\": %.6f, "
+                    "\"duration_seconds\": %.6f, ",
+                    first ? "" : ",", static_cast<long long>(row.index), static_cast<long long>(row.time),
+                    static_cast<long long>(row.duration), row.time / rate, row.duration / rate);
+        if (row.type)
+            std::printf("\"presentation_time\": %lld, \"picture_type\": \"%c\", \"key\": %s, ",
+                        static_cast<long long>(row.presentation), row.type, row.key ? "true" : "false");
+        if (row.excluded)
+            std::printf("\"excluded\": true, ");
+        std::printf("\"position\": %lld, \"size\": %d}", static_cast<long long>(row.position), row.size);
+        return;
+    }
+    std::printf("%8lld %14.6f ", static_cast<long long>(row.index), row.time / rate);
+    if (row.type)
+        std::printf("%14.6f %2c%c%c ", row.presentation / rate, row.type, row.key ? 'K' : ' ', row.excluded ? 'X' : ' ');
+    std::printf("%12.6f %12lld %10d\n", row.duration / rate, static_cast<long long>(row.position), row.size);
+}
+
+template <typename Sample, typename Properties>
+int ListTrack(CContainerReader* reader, int32_t track, int64_t limit, bool json, bool first)
+{
+    constexpr bool video = std::is_same_v<Sample, CVideoSample>;
+    const char* kind = video ? "video" : "audio";
+    Properties* properties = nullptr;
+    if constexpr (video)
+        properties = reader->GetVideoProperties(track);
+    else
+        properties = reader->GetAudioProperties(track);
     const double rate = properties && properties->GetTimeScale() > 0 ? double(properties->GetTimeScale()) : 1.0;
     if (json)
-        std::printf("%s\n    {\"track\": %d, \"type\": \"audio\", \"time_scale\": %.0f, \"samples\": [", track ? "," : "",
-                    track, rate);
+        std::printf("%s\n    {\"track\": %d, \"type\": \"%s\", \"time_scale\": %.0f, \"samples\": [", first ? "" : ",",
+                    track, kind, rate);
     else
-        std::printf("track %d: audio, time scale %.0f\n%8s %14s %12s %12s %10s\n", track, rate, "index", "time",
-                    "duration", "position", "size");
+        PrintHeading(kind, track, rate, video);
     int64_t index = 0;
     for (; index < limit; ++index) {
-        CAudioSample* next = nullptr;
-        const int result = reader->ReadAudioSample(track, next);
-        RObject<CAudioSample> sample(next);
+        Sample* next = nullptr;
+        int result = RESULT_OK;
+        if constexpr (video)
+            result = reader->ReadVideoSample(track, next);
+        else
+            result = reader->ReadAudioSample(track, next);
+        RObject<Sample> sample(next);
         if (result < 0) {
-            std::fprintf(stderr, "vek samples: reading sample %lld of track %d failed (%s)\n",
-                         static_cast<long long>(index), track, GetResultName(result));
+            std::fprintf(stderr, "vek samples: reading sample %lld of %s track %d failed (%s)\n",
+                         static_cast<long long>(index), kind, track, GetResultName(result));
             return kExitFailure;
         }
         if (!sample)
             break;
-        const Row row = Describe(index, sample);
-        if (json)
-            std::printf("%s\n      {\"index\": %lld, \"time\": %lld, \"duration\": %lld, \"time_seconds\": %.6f, "
-                        "\"duration_seconds\": %.6f, \"position\": %lld, \"size\": %d}",
-                        index ? "," : "", static_cast<long long>(row.index), static_cast<long long>(row.time),
-                        static_cast<long long>(row.duration), row.time / rate, row.duration / rate,
-                        static_cast<long long>(row.position), row.size);
-        else
-            std::printf("%8lld %14.6f %12.6f %12lld %10d\n", static_cast<long long>(row.index), row.time / rate,
-                        row.duration / rate, static_cast<long long>(row.position), row.size);
+        PrintRow(Describe(index, sample.Get()), rate, json, index == 0);
     }
     if (json)
         std::printf("%s]}", index ? "\n    " : "");
@@ -116,11 +165,15 @@ int RunSamples(int argc, char** argv)
         return ReportIndexFailure("samples", source, indexed);
     if (json)
         std::printf("{\n  \"filename\": %s,\n  \"tracks\": [", JsonString(source.path).c_str());
-    const int32_t tracks = source.reader->GetAudioMediaCount();
-    for (int32_t track = 0; track < tracks && status == kExitOk; ++track)
-        status = ListAudioTrack(source.reader, track, limit, json);
+    const int32_t videoTracks = source.reader->GetVideoMediaCount();
+    const int32_t audioTracks = source.reader->GetAudioMediaCount();
+    for (int32_t track = 0; track < videoTracks && status == kExitOk; ++track)
+        status = ListTrack<CVideoSample, CVideoProperties>(source.reader, track, limit, json, track == 0);
+    for (int32_t track = 0; track < audioTracks && status == kExitOk; ++track)
+        status = ListTrack<CAudioSample, CAudioProperties>(source.reader, track, limit, json,
+                                                          videoTracks == 0 && track == 0);
     if (json)
-        std::printf("%s]\n}\n", tracks ? "\n  " : "");
+        std::printf("%s]\n}\n", videoTracks + audioTracks ? "\n  " : "");
     return status;
 }
 
