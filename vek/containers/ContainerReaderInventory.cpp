@@ -3,6 +3,7 @@
 #include <vek/components/CInstanceFactory.h>
 #include <vek/containers/CContainerReaderInventory.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -78,6 +79,11 @@ int ContainerReaderInventory::AddWav64ContainerReader(const char* label)
 int ContainerReaderInventory::AddAiffContainerReader(const char* label)
 {
     return AddReader<CAiffContainerReader>(ContainerFormat::AIFF, label);
+}
+
+int ContainerReaderInventory::AddMpeg4VideoContainerReader(const char* label)
+{
+    return AddReader<CMpeg4VideoContainerReader>(ContainerFormat::Video, label);
 }
 
 } // namespace Quorvex::Vek

@@ -26,6 +26,8 @@ public:
     static int AddWav64ContainerReader(const char* label);
     // AIFF (ContainerFormat::AIFF).
     static int AddAiffContainerReader(const char* label);
+    // Raw MPEG-4 visual streams, .m4v (ContainerFormat::Video).
+    static int AddMpeg4VideoContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

@@ -19,6 +19,12 @@
 #include <vek/containers/IndexerTraverser.h>
 #include <vek/containers/readers/CAudioFileReader.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/elementary/CVideoStreamReader.h>
+#include <vek/containers/readers/elementary/CodedPicture.h>
+#include <vek/containers/readers/elementary/PresentationOrder.h>
+#include <vek/containers/readers/elementary/StartCodeUnitReader.h>
+#include <vek/containers/readers/elementary/VideoStreamFacts.h>
+#include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>

@@ -21,6 +21,7 @@
 #include <vek/elementary/HevcSliceHeader.h>
 #include <vek/elementary/HevcVideoParameterSet.h>
 #include <vek/elementary/Mpeg4VideoHeaders.h>
+#include <vek/elementary/Mpeg4VopClock.h>
 #include <vek/elementary/MpegAudioFrameHeader.h>
 #include <vek/elementary/MpegAudioInfoTag.h>
 #include <vek/elementary/MpegVideoHeaders.h>
