@@ -3,7 +3,7 @@
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 #include <vek/elementary/AudioChannelMask.h>
-#include <vek/elementary/PlainBitReader.h>
+#include <vek/elementary/BitReader.h>
 #include <vek/elementary/PlainBitWriter.h>
 
 namespace Quorvex::Vek {
@@ -63,7 +63,7 @@ bool IsErrorResilient(uint32_t objectType)
     return objectType >= 17 && objectType <= 27;
 }
 
-uint8_t ReadObjectType(PlainBitReader& reader)
+uint8_t ReadObjectType(BitReader& reader)
 {
     const uint32_t type = reader.ReadBits(5);
     return uint8_t(type == AacObjectType::Escape ? 32 + reader.ReadBits(6) : type);
@@ -80,7 +80,7 @@ void WriteObjectType(PlainBitWriter& writer, uint32_t type)
 }
 
 // A frequency index and, for the escape, the explicit 24-bit rate.
-int ReadFrequency(PlainBitReader& reader, const char* field, uint8_t& index, int32_t& frequency)
+int ReadFrequency(BitReader& reader, const char* field, uint8_t& index, int32_t& frequency)
 {
     index = uint8_t(reader.ReadBits(4));
     frequency = index == ExplicitFrequencyIndex ? int32_t(reader.ReadBits(24)) : AacSamplingFrequency(index);
@@ -102,7 +102,7 @@ void WriteFrequency(PlainBitWriter& writer, uint32_t index, int32_t frequency)
 }
 
 // Counts the channels of a program config element and steps over it.
-void ReadProgramConfig(PlainBitReader& reader, AacProgramConfig& config)
+void ReadProgramConfig(BitReader& reader, AacProgramConfig& config)
 {
     reader.SkipBits(4 + 2 + 4); // element tag, object type, frequency index
     const uint32_t front = reader.ReadBits(4), side = reader.ReadBits(4), back = reader.ReadBits(4);
@@ -125,11 +125,11 @@ void ReadProgramConfig(PlainBitReader& reader, AacProgramConfig& config)
     config.backChannels = countElements(back);
     config.lfeChannels = uint8_t(lfe);
     reader.SkipBits(size_t(lfe) * 4 + size_t(associated) * 4 + size_t(coupling) * 5);
-    reader.ByteAlign();
+    reader.SkipToByteBoundary();
     reader.SkipBits(size_t(reader.ReadBits(8)) * 8);
 }
 
-int ReadGeneralAudioConfig(PlainBitReader& reader, AacAudioSpecificConfig& c)
+int ReadGeneralAudioConfig(BitReader& reader, AacAudioSpecificConfig& c)
 {
     c.frameLength960 = reader.ReadFlag();
     c.dependsOnCoreCoder = reader.ReadFlag();
@@ -154,7 +154,7 @@ int ReadGeneralAudioConfig(PlainBitReader& reader, AacAudioSpecificConfig& c)
 
 // The sync extension that announces SBR (and PS) after the core
 // configuration; absent when fewer than 16 bits are left.
-int ReadSyncExtension(PlainBitReader& reader, AacAudioSpecificConfig& c)
+int ReadSyncExtension(BitReader& reader, AacAudioSpecificConfig& c)
 {
     if (reader.BitsLeft() < 16)
         return RESULT_OK;
@@ -191,7 +191,7 @@ int AacAudioSpecificConfig::Parse(const uint8_t* bytes, size_t size, AacAudioSpe
 {
     if (!bytes)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(bytes, size);
+    BitReader reader(bytes, size, BitReader::Escapes::Keep);
     AacAudioSpecificConfig c;
     c.objectType = ReadObjectType(reader);
     int r = ReadFrequency(reader, "samplingFrequency", c.samplingFrequencyIndex, c.samplingFrequency);
@@ -330,7 +330,7 @@ int AdtsHeader::Parse(const uint8_t* bytes, size_t size, AdtsHeader& out)
         Log(LogLevel::Error, "AdtsHeader::Parse: %zu bytes cannot hold a header\n", size);
         return RESULT_FORMAT_ERROR;
     }
-    PlainBitReader reader(bytes, size);
+    BitReader reader(bytes, size, BitReader::Escapes::Keep);
     const uint32_t sync = reader.ReadBits(12);
     AdtsHeader h;
     h.mpeg2 = reader.ReadFlag();

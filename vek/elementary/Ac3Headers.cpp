@@ -3,7 +3,7 @@
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 #include <vek/elementary/AudioChannelMask.h>
-#include <vek/elementary/PlainBitReader.h>
+#include <vek/elementary/BitReader.h>
 #include <vek/elementary/PlainBitWriter.h>
 
 namespace Quorvex::Vek {
@@ -55,7 +55,7 @@ int32_t Ac3FrameBytes(uint32_t fscod, uint32_t frmsizecod)
     return 2 * (kbps * 96000 / 44100 + int32_t(frmsizecod & 1));
 }
 
-int ParseAc3(PlainBitReader& reader, Ac3SyncFrame& f)
+int ParseAc3(BitReader& reader, Ac3SyncFrame& f)
 {
     reader.SkipBits(16); // crc1
     f.fscod = uint8_t(reader.ReadBits(2));
@@ -88,7 +88,7 @@ int ParseAc3(PlainBitReader& reader, Ac3SyncFrame& f)
 
 // Steps over the mixing metadata of an E-AC-3 header, which stands between
 // the channel map and the bsmod field that 'dec3' needs.
-void SkipEac3MixingMetadata(PlainBitReader& reader, const Ac3SyncFrame& f)
+void SkipEac3MixingMetadata(BitReader& reader, const Ac3SyncFrame& f)
 {
     if (f.acmod > 2)
         reader.SkipBits(2); // dmixmod
@@ -131,7 +131,7 @@ void SkipEac3MixingMetadata(PlainBitReader& reader, const Ac3SyncFrame& f)
     }
 }
 
-int ParseEac3(PlainBitReader& reader, Ac3SyncFrame& f)
+int ParseEac3(BitReader& reader, Ac3SyncFrame& f)
 {
     f.enhanced = true;
     f.streamType = Ac3SyncFrame::StreamType(reader.ReadBits(2));
@@ -170,7 +170,7 @@ int ParseEac3(PlainBitReader& reader, Ac3SyncFrame& f)
     f.frameBytes = int32_t(frmsiz + 1) * 2;
     f.bitRate = int32_t(int64_t(f.frameBytes) * 8 * f.sampleRate / f.samplesPerFrame);
     // bsmod is optional; when the header ends before it, it stays 0.
-    PlainBitReader rest = reader;
+    BitReader rest = reader;
     if (rest.ReadFlag())
         SkipEac3MixingMetadata(rest, f);
     if (rest.ReadFlag()) {
@@ -205,7 +205,7 @@ int Ac3SyncFrame::Parse(const uint8_t* bytes, size_t size, Ac3SyncFrame& out)
         Log(LogLevel::Error, "Ac3SyncFrame::Parse: bsid %u is neither AC-3 nor E-AC-3\n", unsigned(bsid));
         return RESULT_FORMAT_ERROR;
     }
-    PlainBitReader reader(bytes, size);
+    BitReader reader(bytes, size, BitReader::Escapes::Keep);
     reader.SkipBits(16);
     Ac3SyncFrame f;
     const int r = bsid <= 8 ? ParseAc3(reader, f) : ParseEac3(reader, f);

@@ -43,6 +43,12 @@ public:
 
     // Payload bits read so far (escape bytes not counted).
     uint64_t BitsConsumed() const { return m_consumed; }
+    // Bits that remain: exact for a plain record; with escapes removed, an
+    // upper bound (escape bytes not yet reached are counted). 0 after an error.
+    uint64_t BitsLeft() const
+    {
+        return m_error ? 0 : uint64_t(m_end - m_next) * 8 + uint64_t(m_cacheBits);
+    }
     bool HasError() const { return m_error; }
     // Marks the reader failed, for a caller that finds a value out of range.
     void SetError() { m_error = true; }

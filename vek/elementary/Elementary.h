@@ -26,7 +26,6 @@
 #include <vek/elementary/MpegAudioInfoTag.h>
 #include <vek/elementary/MpegVideoHeaders.h>
 #include <vek/elementary/NalUnitIterator.h>
-#include <vek/elementary/PlainBitReader.h>
 #include <vek/elementary/PlainBitWriter.h>
 #include <vek/elementary/SampleAspectRatio.h>
 #include <vek/elementary/StartCodeScanner.h>

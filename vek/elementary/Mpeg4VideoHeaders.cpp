@@ -4,7 +4,7 @@
 
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
-#include <vek/elementary/PlainBitReader.h>
+#include <vek/elementary/BitReader.h>
 
 namespace Quorvex::Vek {
 
@@ -29,7 +29,7 @@ int Truncated(const char* header, size_t size)
 
 // Reads a marker bit; a zero one sets the reader's error flag and names
 // the field it follows.
-void ReadMarker(PlainBitReader& reader, const char*& missingAfter, const char* after)
+void ReadMarker(BitReader& reader, const char*& missingAfter, const char* after)
 {
     if (!reader.ReadFlag() && !reader.HasError() && !missingAfter)
         missingAfter = after;
@@ -44,7 +44,7 @@ uint8_t TimeIncrementBits(uint32_t resolution)
     return bits;
 }
 
-void ReadVbvParameters(PlainBitReader& reader, Mpeg4VideoObjectLayer& l, const char*& missingMarker)
+void ReadVbvParameters(BitReader& reader, Mpeg4VideoObjectLayer& l, const char*& missingMarker)
 {
     l.bitRate = reader.ReadBits(15) << 15;
     ReadMarker(reader, missingMarker, "first_half_bit_rate");
@@ -86,7 +86,7 @@ int Mpeg4VisualObject::Parse(const uint8_t* payload, size_t size, Mpeg4VisualObj
     constexpr const char* Name = "Mpeg4VisualObject";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     Mpeg4VisualObject o;
     if ((o.hasIdentifier = reader.ReadFlag())) {
         o.verid = uint8_t(reader.ReadBits(4));
@@ -118,7 +118,7 @@ int Mpeg4VideoObjectLayer::Parse(const uint8_t* payload, size_t size, Mpeg4Video
     constexpr const char* Name = "Mpeg4VideoObjectLayer";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     const char* missingMarker = nullptr;
     Mpeg4VideoObjectLayer l;
     l.verid = visualObjectVerid;
@@ -217,7 +217,7 @@ int Mpeg4VopHeader::Parse(const uint8_t* payload, size_t size, const Mpeg4VideoO
         Log(LogLevel::Error, "%s::Parse: the layer has no time increment resolution\n", Name);
         return RESULT_ARGUMENT_OUT_OF_RANGE;
     }
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     const char* missingMarker = nullptr;
     Mpeg4VopHeader v;
     v.type = Mpeg4VopType(reader.ReadBits(2));

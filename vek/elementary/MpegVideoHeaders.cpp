@@ -4,7 +4,7 @@
 
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
-#include <vek/elementary/PlainBitReader.h>
+#include <vek/elementary/BitReader.h>
 
 namespace Quorvex::Vek {
 
@@ -42,7 +42,7 @@ int MissingMarker(const char* header, const char* after)
     return RESULT_FORMAT_ERROR;
 }
 
-int CheckExtensionId(PlainBitReader& reader, const char* header, uint32_t expected)
+int CheckExtensionId(BitReader& reader, const char* header, uint32_t expected)
 {
     const uint32_t id = reader.ReadBits(4);
     if (reader.HasError())
@@ -104,7 +104,7 @@ int MpegVideoSequenceHeader::Parse(const uint8_t* payload, size_t size, MpegVide
     constexpr const char* Name = "MpegVideoSequenceHeader";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     MpegVideoSequenceHeader h;
     h.width = uint16_t(reader.ReadBits(12));
     h.height = uint16_t(reader.ReadBits(12));
@@ -150,7 +150,7 @@ int MpegVideoSequenceExtension::Parse(const uint8_t* payload, size_t size, MpegV
     constexpr const char* Name = "MpegVideoSequenceExtension";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     const int r = CheckExtensionId(reader, Name, MpegVideoExtension::Sequence);
     if (r < 0)
         return r;
@@ -182,7 +182,7 @@ int MpegVideoSequenceDisplayExtension::Parse(const uint8_t* payload, size_t size
     constexpr const char* Name = "MpegVideoSequenceDisplayExtension";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     const int r = CheckExtensionId(reader, Name, MpegVideoExtension::SequenceDisplay);
     if (r < 0)
         return r;
@@ -292,7 +292,7 @@ int MpegVideoGopHeader::Parse(const uint8_t* payload, size_t size, MpegVideoGopH
     constexpr const char* Name = "MpegVideoGopHeader";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     MpegVideoGopHeader g;
     g.dropFrame = reader.ReadFlag();
     g.hours = uint8_t(reader.ReadBits(5));
@@ -321,7 +321,7 @@ int MpegVideoPictureHeader::Parse(const uint8_t* payload, size_t size, MpegVideo
     constexpr const char* Name = "MpegVideoPictureHeader";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     MpegVideoPictureHeader p;
     p.temporalReference = uint16_t(reader.ReadBits(10));
     const uint32_t type = reader.ReadBits(3);
@@ -353,7 +353,7 @@ int MpegVideoPictureCodingExtension::Parse(const uint8_t* payload, size_t size,
     constexpr const char* Name = "MpegVideoPictureCodingExtension";
     if (!payload)
         return RESULT_ARGUMENT_NULL;
-    PlainBitReader reader(payload, size);
+    BitReader reader(payload, size, BitReader::Escapes::Keep);
     const int r = CheckExtensionId(reader, Name, MpegVideoExtension::PictureCoding);
     if (r < 0)
         return r;

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <vek/elementary/PlainBitReader.h>
+#include <vek/elementary/BitReader.h>
 #include <vek/elementary/PlainBitWriter.h>
 
 using namespace Quorvex::Vek;
@@ -13,7 +13,7 @@ struct Field {
 };
 
 // Fields of every width, at every alignment, written and read back.
-TEST(PlainBitReader, ReadsBackWhatTheWriterWrote)
+TEST(PlainBitWriter, PlainRecordsReadBackBitForBit)
 {
     const Field fields[] = {{1, 1},          {0x5, 3},     {0xABC, 12}, {0, 0},        {0x1FFFF, 17},
                             {0xDEADBEEF, 32}, {0x3, 2},     {0x7F, 7},   {0x12345678, 32}, {0, 5}};
@@ -26,17 +26,17 @@ TEST(PlainBitReader, ReadsBackWhatTheWriterWrote)
     }
     ASSERT_FALSE(writer.HasError());
     EXPECT_EQ(writer.BytesWritten(), (bits + 7) / 8);
-    PlainBitReader reader(buffer, writer.BytesWritten());
+    BitReader reader(buffer, writer.BytesWritten(), BitReader::Escapes::Keep);
     for (const Field& f : fields)
         EXPECT_EQ(reader.ReadBits(f.bits), f.value) << f.bits << " bits";
     EXPECT_FALSE(reader.HasError());
-    EXPECT_EQ(reader.BitPosition(), bits);
+    EXPECT_EQ(reader.BitsConsumed(), bits);
 }
 
-TEST(PlainBitReader, ReadsPastTheEndGiveZeroAndAStickyError)
+TEST(BitReader, PlainRecordReadsPastTheEndGiveZeroAndAStickyError)
 {
     const uint8_t bytes[2] = {0xFF, 0xFF};
-    PlainBitReader reader(bytes, sizeof bytes);
+    BitReader reader(bytes, sizeof bytes, BitReader::Escapes::Keep);
     EXPECT_EQ(reader.ReadBits(12), 0xFFFu);
     EXPECT_EQ(reader.BitsLeft(), 4u);
     EXPECT_EQ(reader.ReadBits(5), 0u);
@@ -44,18 +44,18 @@ TEST(PlainBitReader, ReadsPastTheEndGiveZeroAndAStickyError)
     EXPECT_EQ(reader.ReadBits(1), 0u); // stays failed although a bit is left
     EXPECT_EQ(reader.BitsLeft(), 0u);
 
-    PlainBitReader wide(bytes, sizeof bytes);
+    BitReader wide(bytes, sizeof bytes, BitReader::Escapes::Keep);
     EXPECT_EQ(wide.ReadBits(33), 0u);
     EXPECT_TRUE(wide.HasError());
 
-    PlainBitReader skip(bytes, sizeof bytes);
+    BitReader skip(bytes, sizeof bytes, BitReader::Escapes::Keep);
     skip.SkipBits(3);
-    skip.ByteAlign();
-    EXPECT_EQ(skip.BitPosition(), 8u);
+    skip.SkipToByteBoundary();
+    EXPECT_EQ(skip.BitsConsumed(), 8u);
     skip.SkipBits(SIZE_MAX);
     EXPECT_TRUE(skip.HasError());
 
-    PlainBitReader none(nullptr, 100);
+    BitReader none(nullptr, 100, BitReader::Escapes::Keep);
     EXPECT_EQ(none.ReadBits(1), 0u);
     EXPECT_TRUE(none.HasError());
 }
