@@ -20,8 +20,13 @@ int StartCodeUnitReader::Reset(CStream* stream, int64_t origin, int32_t headCapa
             static_cast<long long>(origin));
         return RESULT_ARGUMENT_OUT_OF_RANGE;
     }
-    if (!m_block)
-        m_block = RObject<CByteArray>(CByteArray::Create(nullptr, BlockSize));
+    // A short file needs no more than itself: probing many small inputs
+    // then costs no megabyte each.
+    const int64_t length = stream->GetLength();
+    const int64_t remaining = length >= origin ? length - origin : int64_t(BlockSize);
+    const auto wanted = int32_t(std::clamp<int64_t>(remaining, MinBlockSize, BlockSize));
+    if (!m_block || m_block->GetLength() < wanted)
+        m_block = RObject<CByteArray>(CByteArray::Create(nullptr, wanted));
     if (!m_head || m_headCapacity != headCapacity)
         m_head = RObject<CByteArray>(CByteArray::Create(nullptr, headCapacity));
     if (!m_block || !m_head || !m_block->GetData() || !m_head->GetData()) {
@@ -60,8 +65,9 @@ int StartCodeUnitReader::FillBlock()
             static_cast<long long>(m_origin + m_blockOffset), GetResultName(sought));
         return sought;
     }
-    while (m_blockFill < BlockSize) {
-        const int read = m_stream->Read(data + m_blockFill, BlockSize - m_blockFill);
+    const int32_t capacity = m_block->GetLength();
+    while (m_blockFill < capacity) {
+        const int read = m_stream->Read(data + m_blockFill, capacity - m_blockFill);
         if (read < 0) {
             Log(LogLevel::Error, "StartCodeUnitReader: reading at offset %lld failed with %s\n",
                 static_cast<long long>(m_origin + m_blockOffset + m_blockFill), GetResultName(read));

@@ -34,7 +34,9 @@ public:
         int64_t Size() const { return end - start; }
     };
 
-    enum : int32_t { DefaultHeadCapacity = 4096, BlockSize = 1 << 20 };
+    // Blocks are BlockSize bytes, or the stream's length when it is shorter
+    // (at least MinBlockSize).
+    enum : int32_t { DefaultHeadCapacity = 4096, BlockSize = 1 << 20, MinBlockSize = 4096 };
 
     StartCodeUnitReader();
     ~StartCodeUnitReader();
