@@ -10,9 +10,11 @@ using namespace VekTest;
 
 namespace {
 
+// The inventory is the process's: the label is the one the inventory test
+// expects, whichever test registers first.
 void RegisterWaveReader()
 {
-    static const int registered = ContainerReaderInventory::AddWavContainerReader("analyzer test");
+    static const int registered = ContainerReaderInventory::AddWavContainerReader("tests");
     ASSERT_EQ(registered, RESULT_OK);
 }
 
