@@ -19,6 +19,7 @@ void RegisterReaders()
         ContainerReaderInventory::AddWavContainerReader("vek");
         ContainerReaderInventory::AddWav64ContainerReader("vek");
         ContainerReaderInventory::AddAiffContainerReader("vek");
+        ContainerReaderInventory::AddMpeg4AvcContainerReader("vek");
         return true;
     }();
     (void)registered;

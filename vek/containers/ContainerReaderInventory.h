@@ -26,6 +26,8 @@ public:
     static int AddWav64ContainerReader(const char* label);
     // AIFF (ContainerFormat::AIFF).
     static int AddAiffContainerReader(const char* label);
+    // Raw H.264 streams with start codes (ContainerFormat::MPEG4_AVC).
+    static int AddMpeg4AvcContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

@@ -19,6 +19,7 @@
 #include <vek/containers/IndexerTraverser.h>
 #include <vek/containers/readers/CAudioFileReader.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>
