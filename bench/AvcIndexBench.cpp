@@ -46,7 +46,7 @@ const std::string& StreamPath()
             return target;
         const std::string piece = target + ".piece";
         const std::string encode = "ffmpeg -v error -nostdin -y -f lavfi -i testsrc2=size=1280x720:rate=25 -frames:v 250 "
-                                   "-c:v libx264 -preset ultrafast -bf 3 -x264-params keyint=50 -b:v 8M '" + piece + "'";
+                                   "-c:v libx264 -preset ultrafast -bf 3 -x264-params keyint=50 -b:v 8M -f h264 '" + piece + "'";
         if (std::system(encode.c_str()) != 0)
             return std::string();
         std::ifstream in(piece, std::ios::binary);

@@ -521,7 +521,7 @@ TEST(Mpeg4AvcReader, HostileStreamsEndInACodeAndALogLine)
 TEST(Mpeg4AvcReader, ScoresByWhatPrecedesTheFirstStartCode)
 {
     const Bytes valid = Builder().TwoPictures().bytes;
-    Bytes zerosFirst(6, 0);
+    Bytes zerosFirst(1000, 0);
     zerosFirst.insert(zerosFirst.end(), valid.begin(), valid.end());
     Bytes textFirst = {'j', 'u', 'n', 'k', '!', 0x7F};
     textFirst.insert(textFirst.end(), valid.begin(), valid.end());

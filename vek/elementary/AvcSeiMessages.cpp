@@ -83,16 +83,19 @@ int AvcSeiMessages::Parse(const uint8_t* unit, size_t size, const AvcSequencePar
         if (bits.HasError())
             return FieldCheck::Truncated(Where);
         const uint64_t payloadStart = bits.BitsConsumed();
+        // A message is kept only once it has kept within its size.
+        AvcSeiMessages read = out;
         int result = 0;
         if (type == PictureTiming && sps)
-            result = ReadPictureTiming(bits, *sps, out);
+            result = ReadPictureTiming(bits, *sps, read);
         else if (type == RecoveryPoint)
-            result = ReadRecoveryPoint(bits, out);
+            result = ReadRecoveryPoint(bits, read);
         if (result < 0)
             return result;
         const uint64_t payloadEnd = payloadStart + uint64_t(payloadSize) * 8;
         if (bits.BitsConsumed() > payloadEnd)
             return FieldCheck::Refuse(Where, "payloadSize", payloadSize);
+        out = read;
         bits.SkipBits(payloadEnd - bits.BitsConsumed());
         if (bits.HasError())
             return FieldCheck::Truncated(Where);

@@ -4,6 +4,7 @@
 #include <vek/core/Log.h>
 #include <vek/elementary/AvcDecoderConfiguration.h>
 #include <vek/elementary/AvcNalHeader.h>
+#include <vek/io/CMemoryStream.h>
 #include <vek/media/VideoFormat.h>
 #include <vek/media/VideoProperty.h>
 #include <vek/samples/CMpeg4AvcDataReference.h>
@@ -166,21 +167,36 @@ int CMpeg4AvcContainerReader::FindFirstPicture(CStream* stream, FirstPicture& fi
     return RESULT_OK;
 }
 
+// The first ProbeLimit bytes of `stream` (from its position) as a stream
+// of their own, so that probing reads no further whatever the file holds.
+CMemoryStream* CMpeg4AvcContainerReader::ReadProbeWindow(CStream* stream)
+{
+    RObject<CByteArray> window(CByteArray::Create(nullptr, int32_t(ProbeLimit)));
+    if (!window || !window->GetData())
+        return nullptr;
+    int32_t filled = 0;
+    while (filled < int32_t(ProbeLimit)) {
+        const int read = stream->Read(window->GetData() + filled, int32_t(ProbeLimit) - filled);
+        if (read <= 0)
+            break;
+        filled += read;
+    }
+    return new (fallible) CMemoryStream(window, 0, filled);
+}
+
 int CMpeg4AvcContainerReader::Validate(CStream* stream)
 {
     if (!stream)
         return 0;
+    RObject<CMemoryStream> window(ReadProbeWindow(stream));
     FirstPicture first;
-    if (FindFirstPicture(stream, first, nullptr, nullptr) < 0)
+    if (!window || FindFirstPicture(window, first, nullptr, nullptr) < 0)
         return 0;
-    bool zeros = first.leadingBytes <= 64;
-    if (zeros && first.leadingBytes > 0) {
-        uint8_t leading[64];
-        const int32_t count = int32_t(first.leadingBytes);
-        zeros = stream->Seek(0, CStream::Begin) >= 0 && stream->Read(leading, count) == count;
-        for (int32_t i = 0; zeros && i < count; ++i)
-            zeros = leading[i] == 0;
-    }
+    bool zeros = true;
+    unsigned char byte = 0;
+    window->Seek(0, CStream::Begin);
+    for (int64_t i = 0; zeros && i < first.leadingBytes; ++i)
+        zeros = window->Read(&byte, 1) == 1 && byte == 0;
     const int score = zeros ? StartScore : DisplacedScore;
     Log(LogLevel::Detail, "%s: a %s picture with its sets at %lld (%lld bytes before the first start code): score %d\n",
         Name, first.unit.idr ? "IDR" : "non-IDR", static_cast<long long>(first.unit.position),

@@ -27,6 +27,8 @@
 
 namespace Quorvex::Vek {
 
+class CMemoryStream;
+
 class VEK_API CMpeg4AvcContainerReader : public CVideoStreamReader {
 public:
     enum : uint32_t { Type = Four("h264") };
@@ -63,6 +65,7 @@ private:
     };
 
     int MakeSplitter();
+    static CMemoryStream* ReadProbeWindow(CStream* stream);
     // Copies a parameter set unit's bytes into its slot.
     static void KeepSet(const StartCodeUnitReader::Unit& unit, SetBytes* sequenceSet, SetBytes* pictureSet);
     // Walks `stream` from its start to the end of the first access unit
