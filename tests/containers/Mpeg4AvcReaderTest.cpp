@@ -483,10 +483,13 @@ TEST(Mpeg4AvcReader, HostileStreamsEndInACodeAndALogLine)
     } cases[] = {
         {"only parameter sets", Builder().Sps().Pps().bytes, RESULT_ERROR, 0, 0, "no H.264 picture"},
         {"endless zero bytes", zeros, RESULT_ERROR, 0, 0, "no H.264 picture"},
-        {"frame number of 2^17", Builder().Sps(13).Pps().Slice(idr).bytes, RESULT_FORMAT_ERROR, 0, 0,
+        // A set that lies is no set: its pictures cannot be decoded.
+        {"frame number of 2^17", Builder().Sps(13).Pps().Slice(idr).bytes, RESULT_ERROR, 0, 0,
          "log2_max_frame_num_minus4 13"},
-        {"picture 80000 pixels across", Builder().Sps(0, 4999).Pps().Slice(idr).bytes, RESULT_FORMAT_ERROR, 0, 0,
+        {"picture 80000 pixels across", Builder().Sps(0, 4999).Pps().Slice(idr).bytes, RESULT_ERROR, 0, 0,
          "pic_width_in_mbs_minus1 4999"},
+        {"lying set replaced mid-stream", Builder().TwoPictures().Sps(0, 4999).Slice(p).bytes, RESULT_OK, 2,
+         RESULT_FORMAT_ERROR, "pic_width_in_mbs_minus1 4999"},
         {"slice of an unseen picture set", Builder().TwoPictures().Slice(missingSet).bytes, RESULT_OK, 2,
          RESULT_FORMAT_ERROR, "picture parameter set 7 has not been seen"},
         {"slice header cut short", truncated, RESULT_OK, 2, RESULT_FORMAT_ERROR, "ends inside it"},
@@ -497,6 +500,8 @@ TEST(Mpeg4AvcReader, HostileStreamsEndInACodeAndALogLine)
         {"garbage after a valid start", garbage, RESULT_OK, 2, RESULT_OK, ""},
         {"slices before the sets", Builder().Slice(p).TwoPictures().bytes, RESULT_OK, 2, RESULT_OK,
          "passing over slices"},
+        {"stray start codes in leading garbage", Builder().Raw({'x', 0, 0, 1, 0xFF, 0, 0, 1, 0x67, 0xFF}).TwoPictures().bytes,
+         RESULT_OK, 2, RESULT_OK, "passing over the unit at 1 before the first picture"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -535,6 +540,8 @@ TEST(Mpeg4AvcReader, ScoresByWhatPrecedesTheFirstStartCode)
         {"start code first", valid, Reader::StartScore},
         {"leading zero bytes", zerosFirst, Reader::StartScore},
         {"leading garbage", textFirst, Reader::DisplacedScore},
+        {"stray start codes before the stream", Builder().Raw({1, 0, 0, 1, 0x80, 0, 0, 1, 0x67, 0x42, 0xFF}).TwoPictures().bytes,
+         Reader::DisplacedScore},
         {"picture past the probe limit", far, 0},
         {"no picture", Builder().Sps().Pps().bytes, 0},
         {"RIFF WAVE header", {'R', 'I', 'F', 'F', 4, 0, 0, 0, 'W', 'A', 'V', 'E'}, 0},

@@ -115,6 +115,18 @@ bool AvcAccessUnitSplitter::Close(int64_t end, AccessUnit& completed)
 
 int AvcAccessUnitSplitter::Feed(int64_t position, const uint8_t* unit, size_t size, AccessUnit& completed)
 {
+    const int result = FeedUnit(position, unit, size, completed);
+    if (result >= 0 || m_seenPicture)
+        return result;
+    // Before the first picture a unit that does not parse is leading
+    // garbage that happened to hold a start code.
+    Log(LogLevel::Warning, "%s: passing over the unit at %lld before the first picture\n", Where,
+        static_cast<long long>(position));
+    return 0;
+}
+
+int AvcAccessUnitSplitter::FeedUnit(int64_t position, const uint8_t* unit, size_t size, AccessUnit& completed)
+{
     if (!unit || size == 0) {
         // An empty unit (a stray prefix) carries nothing; it stays with
         // the access unit it is in.

@@ -81,9 +81,12 @@ public:
     // access unit after one that held a picture; 0 when not; or
     // RESULT_FORMAT_ERROR (logged, naming the field and value) for a
     // parameter set or slice header that does not parse, a slice whose sets
-    // have not been seen, or a forbidden bit set. A bad SEI unit is logged
-    // and passed over: it only describes. After a failure the splitter
-    // stays usable, its picture state as before the unit.
+    // have not been seen, or a forbidden bit set. Before the first picture
+    // such units are garbage in front of the stream, passed over with a log
+    // line, as are slices whose sets have not been seen yet (a stream cut
+    // in the middle). A bad SEI unit is logged and passed over: it only
+    // describes. After a failure the splitter stays usable, its picture
+    // state as before the unit.
     int Feed(int64_t position, const uint8_t* unit, size_t size, AccessUnit& completed);
     // The stream ended at `end`: 1 and the last access unit, or 0 if no
     // picture is pending.
@@ -97,6 +100,7 @@ public:
     int64_t GetOrphanSlices() const { return m_orphanSlices; }
 
 private:
+    int FeedUnit(int64_t position, const uint8_t* unit, size_t size, AccessUnit& completed);
     int FeedParameterSet(const uint8_t* unit, size_t size, uint8_t type);
     int FeedSei(const uint8_t* unit, size_t size);
     int FeedSlice(int64_t position, const uint8_t* unit, size_t size, AccessUnit& completed);
