@@ -31,9 +31,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     RObject<CMpeg4AvcContainerReader> reader(new CMpeg4AvcContainerReader());
     if (!stream || !name || !context || !reader)
         return 0;
+    // As probing does: the reader that validated the stream indexes it.
     const int score = reader->Validate(stream);
     Check(score >= 0 && score <= CMpeg4AvcContainerReader::StartScore, "a score out of range");
-    RObject<CMpeg4AvcContainerReader> indexing(new CMpeg4AvcContainerReader());
+    CMpeg4AvcContainerReader* indexing = reader.Get();
     indexing->SetContext(context);
     if (indexing->BeginIndex() < 0) {
         Check(indexing->GetVideoMediaCount() == 0, "a failed index left a track");

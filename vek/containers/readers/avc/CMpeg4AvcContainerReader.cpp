@@ -171,12 +171,18 @@ int CMpeg4AvcContainerReader::FindFirstPicture(CStream* stream, FirstPicture& fi
 // of their own, so that probing reads no further whatever the file holds.
 CMemoryStream* CMpeg4AvcContainerReader::ReadProbeWindow(CStream* stream)
 {
-    RObject<CByteArray> window(CByteArray::Create(nullptr, int32_t(ProbeLimit)));
-    if (!window || !window->GetData())
+    // A short file needs no more than its own length.
+    const int64_t length = stream->GetLength();
+    const int64_t position = stream->GetPosition();
+    int32_t capacity = int32_t(ProbeLimit);
+    if (length >= 0 && position >= 0 && position <= length && length - position < capacity)
+        capacity = int32_t(length - position);
+    RObject<CByteArray> window(CByteArray::Create(nullptr, capacity));
+    if (!window || (capacity > 0 && !window->GetData()))
         return nullptr;
     int32_t filled = 0;
-    while (filled < int32_t(ProbeLimit)) {
-        const int read = stream->Read(window->GetData() + filled, int32_t(ProbeLimit) - filled);
+    while (filled < capacity) {
+        const int read = stream->Read(window->GetData() + filled, capacity - filled);
         if (read <= 0)
             break;
         filled += read;
