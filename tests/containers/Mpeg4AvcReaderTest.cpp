@@ -12,6 +12,7 @@
 #include <vek/Vek.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <map>
 #include <numeric>
@@ -317,6 +318,8 @@ struct SliceFields {
     int pocLsb = 0;
     int pictureSet = 0;
     int operation = 0; // a memory-management operation, 0 for none
+    int field = 0; // 0 frame, 1 top field, 2 bottom field
+    int firstMb = 0;
 };
 
 struct Builder {
@@ -329,7 +332,7 @@ struct Builder {
         bytes.insert(bytes.end(), escaped.begin(), escaped.end());
         return *this;
     }
-    Builder& Sps(int log2MaxFrameNumMinus4 = 0, int widthMinus1 = 1)
+    Builder& Sps(int log2MaxFrameNumMinus4 = 0, int widthMinus1 = 1, bool fields = false)
     {
         VekTest::BitWriter w;
         w.Bits(0x67, 8);
@@ -344,7 +347,10 @@ struct Builder {
         w.Bit(0);
         w.UE(uint64_t(widthMinus1));
         w.UE(1);
-        w.Bits(3, 2); // frame macroblocks only, direct 8x8
+        if (fields)
+            w.Bits(1, 3); // field pictures allowed, no MBAFF, direct 8x8
+        else
+            w.Bits(3, 2); // frame macroblocks only, direct 8x8
         w.Bits(0, 2); // no cropping, no usability
         w.Trailing();
         return Unit(w);
@@ -371,10 +377,12 @@ struct Builder {
     {
         VekTest::BitWriter w;
         w.Bits(uint64_t(f.refIdc << 5 | (f.idr ? 5 : 1)), 8);
-        w.UE(0);
+        w.UE(uint64_t(f.firstMb));
         w.UE(uint64_t(f.type + 5));
         w.UE(uint64_t(f.pictureSet));
         w.Bits(uint64_t(f.frameNum), 4);
+        if (f.field)
+            w.Bits(f.field == 2 ? 3 : 2, 2); // field_pic_flag, bottom_field_flag
         if (f.idr)
             w.UE(0);
         w.Bits(uint64_t(f.pocLsb), 4);
@@ -451,6 +459,41 @@ TEST(Mpeg4AvcReader, MemoryResetRestartsOutputOrder)
     EXPECT_EQ(pictures[2].type, CVideoSample::B);
     EXPECT_TRUE(pictures[0].key);
     EXPECT_FALSE(pictures[3].key);
+}
+
+TEST(Mpeg4AvcReader, EachFieldIsAnAccessUnitOfItsOwn)
+{
+    // A second slice of the same field (first_mb 1) stays in its picture.
+    SliceFields fields[] = {{2, true, 2, 0, 0, 0, 0, 1, 0}, {2, false, 0, 0, 1, 0, 0, 2, 0},
+                            {2, false, 0, 0, 1, 0, 0, 2, 1}, {2, false, 0, 1, 4, 0, 0, 1, 0},
+                            {0, false, 1, 2, 5, 0, 0, 2, 0}};
+    Builder builder;
+    builder.Sps(0, 1, true).Pps();
+    std::vector<int64_t> starts;
+    for (const SliceFields& f : fields) {
+        if (f.firstMb == 0)
+            starts.push_back(int64_t(builder.bytes.size()));
+        builder.Slice(f);
+    }
+    starts[0] = 0;
+    auto opened = OpenReader(builder.bytes);
+    ASSERT_EQ(opened.result, RESULT_OK);
+    CVideoProperties* video = opened.reader->GetVideoProperties(0);
+    EXPECT_EQ(video->GetFieldOrder(), uint32_t(CVideoProperties::FieldOrderTopFirst));
+    EXPECT_EQ(PropertyText(video, VideoStreamFacts::ScanKey), "paff");
+    EXPECT_EQ(PropertyNumber(video, VideoStreamFacts::CodedHeightKey), 64);
+    const std::vector<Picture> pictures = ReadPictures(opened.reader.Get(), builder.bytes);
+    ASSERT_EQ(Positions(pictures), starts);
+    const int32_t structures[] = {CVideoSample::UpperField, CVideoSample::LowerField, CVideoSample::UpperField,
+                                  CVideoSample::LowerField};
+    for (size_t i = 0; i < pictures.size(); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(pictures[i].structure, structures[i]);
+        // Timed at the fallback of 25 frames per second, in fields: one each.
+        EXPECT_EQ(pictures[i].duration, 1);
+        EXPECT_EQ(pictures[i].key, i == 0);
+    }
+    EXPECT_EQ(pictures[3].type, CVideoSample::B);
 }
 
 TEST(Mpeg4AvcReader, HostileStreamsEndInACodeAndALogLine)

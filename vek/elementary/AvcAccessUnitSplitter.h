@@ -2,7 +2,7 @@
 
 // Groups the NAL units of an AVC stream into access units and describes the
 // primary coded picture of each: the piece every AVC reader shares (raw
-// Annex B files, and later MP4, transport and Matroska streams, whose units
+// start-code files, and later MP4, transport and Matroska streams, whose units
 // arrive from their own framing).
 //
 // Fed each NAL unit in stream order with its position and first bytes, the

@@ -1,7 +1,7 @@
 #pragma once
 
 // The bytes of one H.264 access unit in a container file, with the framing
-// of its NAL units: Annex B start codes (raw .h264 files, transport
+// of its NAL units: start codes (raw .h264 files, transport
 // streams) or a big-endian length of 1, 2 or 4 bytes before each unit (MP4
 // and Matroska samples). A decoder needs the framing to find the units; the
 // range itself is read like any container range (it answers IsType for

@@ -1,6 +1,6 @@
 #pragma once
 
-// The reader of raw H.264 (AVC) elementary streams in Annex B form (.h264,
+// The reader of raw H.264 (AVC) elementary streams framed by start codes (.h264,
 // .264, .avc files): one video track whose samples are the stream's access
 // units, each a CMpeg4AvcDataReference over its bytes with start-code
 // framing. AvcAccessUnitSplitter (vek/elementary) groups the units and
