@@ -406,6 +406,11 @@ struct Builder {
         w.Trailing();
         return Unit(w);
     }
+    Builder& Fill(size_t count, uint8_t value)
+    {
+        bytes.resize(bytes.size() + count, value);
+        return *this;
+    }
     Builder& Raw(std::initializer_list<uint8_t> raw)
     {
         bytes.insert(bytes.end(), raw);
@@ -569,12 +574,9 @@ TEST(Mpeg4AvcReader, HostileStreamsEndInACodeAndALogLine)
 TEST(Mpeg4AvcReader, ScoresByWhatPrecedesTheFirstStartCode)
 {
     const Bytes valid = Builder().TwoPictures().bytes;
-    Bytes zerosFirst(1000, 0);
-    zerosFirst.insert(zerosFirst.end(), valid.begin(), valid.end());
-    Bytes textFirst = {'j', 'u', 'n', 'k', '!', 0x7F};
-    textFirst.insert(textFirst.end(), valid.begin(), valid.end());
-    Bytes far(Reader::ProbeLimit + 100, 0x55);
-    far.insert(far.end(), valid.begin(), valid.end());
+    const Bytes zerosFirst = Builder().Fill(1000, 0).TwoPictures().bytes;
+    const Bytes textFirst = Builder().Raw({'j', 'u', 'n', 'k', '!', 0x7F}).TwoPictures().bytes;
+    const Bytes far = Builder().Fill(Reader::ProbeLimit + 100, 0x55).TwoPictures().bytes;
     struct Case {
         const char* name;
         Bytes bytes;
