@@ -12,6 +12,8 @@ packages=(
     liburiparser-dev libsndfile1-dev
     # Rivals of the conversion benches (optional there).
     libswscale-dev libswresample-dev libavutil-dev
+    # The rival of the H.264 index bench (optional there).
+    libavformat-dev libavcodec-dev
     # Independent writers and oracles of the container conformance tests
     # (tests/conformance), and libsndfile's programs for its corpus files.
     ffmpeg sox libsox-fmt-all sndfile-programs python3

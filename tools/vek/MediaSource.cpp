@@ -20,6 +20,7 @@ void RegisterReaders()
         ContainerReaderInventory::AddWav64ContainerReader("vek");
         ContainerReaderInventory::AddAiffContainerReader("vek");
         ContainerReaderInventory::AddMpeg4VideoContainerReader("vek");
+        ContainerReaderInventory::AddMpeg4AvcContainerReader("vek");
         return true;
     }();
     (void)registered;

@@ -4,6 +4,7 @@
 #include <vek/containers/CContainerReaderInventory.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
 #include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
+#include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -84,6 +85,11 @@ int ContainerReaderInventory::AddAiffContainerReader(const char* label)
 int ContainerReaderInventory::AddMpeg4VideoContainerReader(const char* label)
 {
     return AddReader<CMpeg4VideoContainerReader>(ContainerFormat::Video, label);
+}
+
+int ContainerReaderInventory::AddMpeg4AvcContainerReader(const char* label)
+{
+    return AddReader<CMpeg4AvcContainerReader>(ContainerFormat::MPEG4_AVC, label);
 }
 
 } // namespace Quorvex::Vek

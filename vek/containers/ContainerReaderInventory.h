@@ -28,6 +28,8 @@ public:
     static int AddAiffContainerReader(const char* label);
     // Raw MPEG-4 visual streams, .m4v (ContainerFormat::Video).
     static int AddMpeg4VideoContainerReader(const char* label);
+    // Raw H.264 streams with start codes (ContainerFormat::MPEG4_AVC).
+    static int AddMpeg4AvcContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

@@ -1,11 +1,11 @@
 #pragma once
 
-// The start of an AVC slice header (NAL unit types 1 and 5): what picture
-// typing, access-unit boundaries and picture order counting need. Reading
-// stops after the picture order count fields; reference list and marking
-// syntax are not read, so a memory-management reset (operation 5) is not
-// seen here and must be passed to the order counter by a caller that
-// parses it.
+// An AVC slice header (NAL unit types 1 and 5) up to its reference
+// marking: what picture typing, access-unit boundaries and picture order
+// counting need. The reference list changes and prediction weights are
+// read past; the marking is read for the one operation that matters to
+// output order, the memory-management reset (operation 5), which restarts
+// picture order counting. Fields after the marking are not read.
 #include <cstddef>
 #include <cstdint>
 
@@ -35,6 +35,9 @@ struct VEK_API AvcSliceHeader {
     uint32_t picOrderCntLsb = 0;
     int32_t deltaPicOrderCntBottom = 0;
     int32_t deltaPicOrderCnt[2] = {};
+    uint32_t redundantPicCnt = 0;
+    // The marking holds memory-management operation 5.
+    bool memoryManagementReset = false;
 
     bool IsIdr() const { return nalType == 5; }
     bool IsReference() const { return nalRefIdc != 0; }

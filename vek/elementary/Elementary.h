@@ -4,10 +4,12 @@
 #include <vek/elementary/AacHeaders.h>
 #include <vek/elementary/Ac3Headers.h>
 #include <vek/elementary/AudioChannelMask.h>
+#include <vek/elementary/AvcAccessUnitSplitter.h>
 #include <vek/elementary/AvcDecoderConfiguration.h>
 #include <vek/elementary/AvcNalHeader.h>
 #include <vek/elementary/AvcPictureOrderCounter.h>
 #include <vek/elementary/AvcPictureParameterSet.h>
+#include <vek/elementary/AvcSeiMessages.h>
 #include <vek/elementary/AvcSequenceParameterSet.h>
 #include <vek/elementary/AvcSliceHeader.h>
 #include <vek/elementary/BitReader.h>

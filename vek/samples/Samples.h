@@ -13,6 +13,7 @@
 #include <vek/samples/CMediaSample.h>
 #include <vek/samples/CMediaSampleDataReference.h>
 #include <vek/samples/CMediaSampleQueue.h>
+#include <vek/samples/CMpeg4AvcDataReference.h>
 #include <vek/samples/CMemoryDataReference.h>
 #include <vek/samples/CMetadata.h>
 #include <vek/samples/CMetadataElement.h>
