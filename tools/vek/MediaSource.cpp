@@ -19,6 +19,7 @@ void RegisterReaders()
         ContainerReaderInventory::AddWavContainerReader("vek");
         ContainerReaderInventory::AddWav64ContainerReader("vek");
         ContainerReaderInventory::AddAiffContainerReader("vek");
+        ContainerReaderInventory::AddMpegHevcContainerReader("vek");
         return true;
     }();
     (void)registered;

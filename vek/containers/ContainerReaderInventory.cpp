@@ -3,6 +3,7 @@
 #include <vek/components/CInstanceFactory.h>
 #include <vek/containers/CContainerReaderInventory.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -78,6 +79,11 @@ int ContainerReaderInventory::AddWav64ContainerReader(const char* label)
 int ContainerReaderInventory::AddAiffContainerReader(const char* label)
 {
     return AddReader<CAiffContainerReader>(ContainerFormat::AIFF, label);
+}
+
+int ContainerReaderInventory::AddMpegHevcContainerReader(const char* label)
+{
+    return AddReader<CMpegHevcContainerReader>(ContainerFormat::MPEG_HEVC, label);
 }
 
 } // namespace Quorvex::Vek

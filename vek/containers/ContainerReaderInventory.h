@@ -26,6 +26,8 @@ public:
     static int AddWav64ContainerReader(const char* label);
     // AIFF (ContainerFormat::AIFF).
     static int AddAiffContainerReader(const char* label);
+    // Raw HEVC elementary streams (ContainerFormat::MPEG_HEVC).
+    static int AddMpegHevcContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

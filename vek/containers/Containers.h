@@ -19,6 +19,7 @@
 #include <vek/containers/IndexerTraverser.h>
 #include <vek/containers/readers/CAudioFileReader.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>

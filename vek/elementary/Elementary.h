@@ -11,6 +11,7 @@
 #include <vek/elementary/AvcSequenceParameterSet.h>
 #include <vek/elementary/AvcSliceHeader.h>
 #include <vek/elementary/BitReader.h>
+#include <vek/elementary/HevcAccessUnitSplitter.h>
 #include <vek/elementary/HevcDecoderConfiguration.h>
 #include <vek/elementary/HevcNalHeader.h>
 #include <vek/elementary/HevcPictureOrderCounter.h>
