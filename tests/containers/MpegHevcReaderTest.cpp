@@ -15,6 +15,7 @@
 namespace Quorvex::Vek {
 namespace {
 
+constexpr int EndOfSequence = 36;
 using VekTest::JsonValue;
 using VekTest::JsonValues;
 
@@ -91,12 +92,65 @@ std::string Text(CVideoProperties* video, const char* key)
     return bytes && bytes->GetLength() > 0 ? std::string(reinterpret_cast<const char*>(bytes->GetData())) : "";
 }
 
+struct Unit {
+    size_t start; // of the prefix
+    size_t header; // the NAL unit header
+    int type;
+};
+
+// A stream's units by the slow search.
+std::vector<Unit> Units(const std::string& file)
+{
+    std::vector<Unit> units;
+    for (size_t i = 2; i + 1 < file.size(); ++i)
+        if (file[i] == 1 && file[i - 1] == 0 && file[i - 2] == 0)
+            units.push_back({i >= 3 && file[i - 3] == 0 ? i - 3 : i - 2, i + 1, uint8_t(file[i + 1]) >> 1 & 63});
+    return units;
+}
+
 // ffprobe cuts a raw stream at each access unit's 00 00 01; the zero byte
 // in front of a four-byte start code belongs to the access unit (it is
 // what makes the start code four bytes long), so it moves back by one.
+// ffprobe also cuts in front of an end of sequence unit, which belongs to
+// the access unit before it: such a cut moves past it.
 int64_t AccessUnitStart(const std::string& file, int64_t ffprobePosition)
 {
-    return ffprobePosition > 0 && file[size_t(ffprobePosition - 1)] == 0 ? ffprobePosition - 1 : ffprobePosition;
+    const size_t start = ffprobePosition > 0 && file[size_t(ffprobePosition - 1)] == 0 ? ffprobePosition - 1
+                                                                                         : ffprobePosition;
+    const size_t header = file.find(std::string("\0\0\1", 3), start) + 3;
+    if (header < file.size() && (uint8_t(file[header]) >> 1) == EndOfSequence)
+        return int64_t(header + 2);
+    return int64_t(start);
+}
+
+// The stream with an access unit delimiter in front of every access unit, a
+// suffix SEI after every picture and an end of sequence after the picture
+// before the second random access point.
+std::string WithDelimitersAndEndOfSequence(const std::string& file)
+{
+    const std::string prefix("\0\0\0\1", 4);
+    const std::string delimiter = prefix + std::string("\x46\x01\x50", 3);
+    // User data: a 16-byte id and one byte.
+    const std::string suffixSei = prefix + std::string("\x50\x01\x05\x11", 4) + std::string(16, '\x42') + "\x07\x80";
+    const std::string endOfSequence = prefix + std::string("\x48\x01", 2);
+    const std::vector<Unit> units = Units(file);
+    std::string out;
+    int keys = 0;
+    for (size_t i = 0; i < units.size(); ++i) {
+        const Unit& unit = units[i];
+        const bool firstSlice = unit.type < 32 && (file[unit.header + 2] & 0x80) != 0;
+        const bool afterPicture = i > 0 && units[i - 1].type < 32;
+        if (unit.type == 32 || (firstSlice && afterPicture)) {
+            if (i > 0)
+                out += suffixSei;
+            if (unit.type == 32 && ++keys == 2)
+                out += endOfSequence;
+            out += delimiter;
+        }
+        const size_t end = i + 1 < units.size() ? units[i + 1].start : file.size();
+        out += file.substr(unit.start, end - unit.start);
+    }
+    return out + suffixSei;
 }
 
 void ExpectFactsAsFfprobe(const ReadStream& read, const std::string& path)
@@ -192,24 +246,29 @@ struct StreamCase {
     const char* options;
     // Cut the stream at its n-th key access unit (0: keep it whole).
     int startAtKey;
+    std::string (*edit)(const std::string&);
     bool expectExcluded;
 };
 
 const StreamCase StreamCases[] = {
     {"8-bit 4:2:0, open GOP with CRA and RASL, B-pyramid, two slices", "testsrc2=s=320x240:r=25:d=2",
-     "-pix_fmt yuv420p -x265-params log-level=error:keyint=12:open-gop=1:bframes=3:b-pyramid=1:slices=2", 0, false},
+     "-pix_fmt yuv420p -x265-params log-level=error:keyint=12:open-gop=1:bframes=3:b-pyramid=1:slices=2", 0, nullptr, false},
+    {"delimiters, suffix SEI, an end of sequence before a CRA: its RASL pictures are dropped",
+     "testsrc2=s=320x240:r=25:d=1.5",
+     "-pix_fmt yuv420p -x265-params log-level=error:keyint=12:open-gop=1:bframes=3:b-pyramid=1", 0,
+     WithDelimitersAndEndOfSequence, true},
     {"starting at a CRA: its RASL pictures are dropped", "testsrc2=s=320x240:r=25:d=2",
-     "-pix_fmt yuv420p -x265-params log-level=error:keyint=12:open-gop=1:bframes=3:b-pyramid=1", 1, true},
+     "-pix_fmt yuv420p -x265-params log-level=error:keyint=12:open-gop=1:bframes=3:b-pyramid=1", 1, nullptr, true},
     {"10-bit 4:2:2 cropped 1080p, four slices, wavefronts, full range, BT.709, SAR 16:11",
      "testsrc2=s=1920x1080:r=25:d=0.4",
      "-preset ultrafast -pix_fmt yuv422p10le -x265-params "
      "log-level=error:keyint=5:bframes=2:slices=4:wpp=1:sar=4:colorprim=bt709:transfer=bt709:"
      "colormatrix=bt709:range=full",
-     0, false},
+     0, nullptr, false},
     {"10-bit 4:2:0 closed GOP at 30000/1001", "testsrc2=s=352x288:r=30000/1001:d=1.5",
-     "-pix_fmt yuv420p10le -x265-params log-level=error:keyint=15:open-gop=0:bframes=4:b-adapt=2", 0, false},
+     "-pix_fmt yuv420p10le -x265-params log-level=error:keyint=15:open-gop=0:bframes=4:b-adapt=2", 0, nullptr, false},
     {"no B pictures, 4:4:4", "testsrc2=s=256x144:r=50:d=0.6",
-     "-pix_fmt yuv444p -x265-params log-level=error:keyint=8:bframes=0", 0, false},
+     "-pix_fmt yuv444p -x265-params log-level=error:keyint=8:bframes=0", 0, nullptr, false},
 };
 
 TEST(MpegHevcContainerReader, ReadsLibx265StreamsAsFfprobeDoes)
@@ -233,6 +292,11 @@ TEST(MpegHevcContainerReader, ReadsLibx265StreamsAsFfprobeDoes)
             ASSERT_EQ(keys, c.startAtKey);
             file = file.substr(size_t(AccessUnitStart(file, std::atoll(positions[at - 1].c_str()))));
             path = dir.File("cut.hevc");
+            ASSERT_TRUE(VekTest::WriteFile(path, file));
+        }
+        if (c.edit) {
+            file = c.edit(file);
+            path = dir.File("edited.hevc");
             ASSERT_TRUE(VekTest::WriteFile(path, file));
         }
         const ReadStream read = ReadAll(file);
@@ -270,6 +334,9 @@ TEST(MpegHevcContainerReader, ScoresStreamsByWhereTheirHeadersStart)
     } cases[] = {
         {"stream", stream, CMpegHevcContainerReader::MatchScore},
         {"after other bytes", garbage + stream, CMpegHevcContainerReader::MatchScoreAfterGarbage},
+        {"after zero bytes", std::string(7, '\0') + stream, CMpegHevcContainerReader::MatchScore},
+        {"after a unit that cannot be read", std::string("\0\0\1\x80\1", 5) + garbage + stream,
+         CMpegHevcContainerReader::MatchScoreAfterGarbage},
         {"parameter sets past the probe window", std::string(CMpegHevcContainerReader::ProbeBytes, 'x') + stream, 0},
         {"a WAV file", wave, 0},
         {"empty", "", 0},
@@ -280,22 +347,6 @@ TEST(MpegHevcContainerReader, ScoresStreamsByWhereTheirHeadersStart)
         RObject<CMpegHevcContainerReader> reader(new CMpegHevcContainerReader());
         EXPECT_EQ(reader->Validate(memory), c.score);
     }
-}
-
-struct Unit {
-    size_t start; // of the prefix
-    size_t header; // the NAL unit header
-    int type;
-};
-
-// A stream's units by the slow search.
-std::vector<Unit> Units(const std::string& file)
-{
-    std::vector<Unit> units;
-    for (size_t i = 2; i + 1 < file.size(); ++i)
-        if (file[i] == 1 && file[i - 1] == 0 && file[i - 2] == 0)
-            units.push_back({i >= 3 && file[i - 3] == 0 ? i - 3 : i - 2, i + 1, uint8_t(file[i + 1]) >> 1 & 63});
-    return units;
 }
 
 TEST(MpegHevcContainerReader, EndsHostileStreamsWithACodeAndALogLine)
@@ -337,6 +388,7 @@ TEST(MpegHevcContainerReader, EndsHostileStreamsWithACodeAndALogLine)
         size_t samples;
         const char* log;
         size_t tail = 0; // bytes after the last sample
+        size_t head = 0; // bytes before the first
     } cases[] = {
         {"cut inside the sequence set", stream.substr(0, sps + 12), RESULT_FORMAT_ERROR, 0, 0, "ends inside it"},
         {"lying chroma format", lyingSps, RESULT_FORMAT_ERROR, 0, 0, "chroma_format_idc 7"},
@@ -347,6 +399,8 @@ TEST(MpegHevcContainerReader, EndsHostileStreamsWithACodeAndALogLine)
         {"a unit with the forbidden bit after the stream", stream + std::string("\0\0\1\x80\1\2", 6), 0,
          RESULT_FORMAT_ERROR, whole, "NAL unit header 32769", 6},
         {"cut inside the last picture", stream.substr(0, stream.size() - 20), 0, 0, whole, nullptr},
+        {"a unit with the forbidden bit before the stream", std::string("\0\0\1\x80\1\2", 6) + stream, 0, 0, whole,
+         "NAL unit header 32769", 0, 6},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -356,6 +410,7 @@ TEST(MpegHevcContainerReader, EndsHostileStreamsWithACodeAndALogLine)
         EXPECT_EQ(read.last, c.last);
         EXPECT_EQ(read.samples.size(), c.samples);
         if (!read.samples.empty()) {
+            EXPECT_EQ(read.samples.front().position, int64_t(c.head));
             EXPECT_EQ(read.samples.back().position + read.samples.back().length, int64_t(c.bytes.size() - c.tail));
         }
         if (c.log) {

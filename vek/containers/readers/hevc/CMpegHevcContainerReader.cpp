@@ -1,5 +1,6 @@
 #include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <numeric>
 
@@ -24,7 +25,8 @@ struct CMpegHevcContainerReader::Found {
     };
 
     bool picture = false;
-    int64_t leadingBytes = 0;
+    int64_t firstPicture = 0; // where its access unit begins
+    int failure = RESULT_OK; // the last unit that could not be read before it
     uint32_t sequenceSetId = 0;
     RObject<CByteArray> bytes;
     int32_t used = 0;
@@ -59,13 +61,13 @@ void FormatLevel(uint8_t levelIdc, char (&text)[8])
 
 // The first ProbeBytes of a stream (from its current position) as a memory
 // stream, so that the search for the headers never reads further.
-int ReadWindow(CStream* stream, RObject<CMemoryStream>& window)
+int ReadWindow(CStream* stream, RObject<CByteArray>& bytes, RObject<CMemoryStream>& window)
 {
     const int64_t length = stream->GetLength();
     const int32_t capacity = length >= 0 && length < CMpegHevcContainerReader::ProbeBytes
                                  ? int32_t(length)
                                  : int32_t(CMpegHevcContainerReader::ProbeBytes);
-    RObject<CByteArray> bytes(CByteArray::Create(nullptr, capacity));
+    bytes = RObject<CByteArray>(CByteArray::Create(nullptr, capacity));
     if (!bytes || (capacity > 0 && !bytes->GetData()))
         return RESULT_OUT_OF_MEMORY;
     int32_t filled = 0;
@@ -107,11 +109,17 @@ int CMpegHevcContainerReader::Validate(CStream* stream)
 {
     if (!stream)
         return 0;
+    RObject<CByteArray> bytes;
     RObject<CMemoryStream> window;
     Found found;
-    if (ReadWindow(stream, window) < 0 || FindFirstPicture(window, found) < 0 || !found.picture)
+    if (ReadWindow(stream, bytes, window) < 0 || FindFirstPicture(window, found) < 0 || !found.picture)
         return 0;
-    return found.leadingBytes == 0 ? MatchScore : MatchScoreAfterGarbage;
+    // Zero bytes may pad a stream's start; other bytes are not the stream's.
+    const uint8_t* start = bytes->GetData();
+    const bool padded = std::all_of(start, start + found.firstPicture, [](uint8_t byte) { return byte == 0; });
+    Log(LogLevel::Detail, "CMpegHevcContainerReader::Validate: parameter sets and a first picture at %lld\n",
+        static_cast<long long>(found.firstPicture));
+    return padded ? MatchScore : MatchScoreAfterGarbage;
 }
 
 // Keeps a copy of a parameter set unit for the decoder configuration; sets
@@ -135,9 +143,11 @@ int CMpegHevcContainerReader::KeepParameterSet(const StartCodeUnitReader::Unit& 
 }
 
 // Walks `stream` (a window on the file's start) to the first slice segment
-// of the first picture. 0 with found.picture set when it was found, 0
-// without it when the window holds none, or the failure of a unit that
-// cannot be read (logged).
+// of the first picture that can be read with the parameter sets before it.
+// A unit that cannot be read before that point is taken for garbage: the
+// search starts over after it (found.failure keeps its code). 0 with
+// found.picture set when a picture was found, 0 without it when the window
+// holds none, or the failure of the walk itself.
 int CMpegHevcContainerReader::FindFirstPicture(CStream* stream, Found& found)
 {
     m_splitter.Reset();
@@ -147,15 +157,21 @@ int CMpegHevcContainerReader::FindFirstPicture(CStream* stream, Found& found)
     HevcAccessUnitSplitter::AccessUnit completed;
     while (result >= 0 && (result = units.Next(unit)) == 0) {
         const uint8_t type = unit.headSize > 0 ? uint8_t(unit.head[0] >> 1 & 63) : 0;
-        if ((result = m_splitter.Feed(unit.start, unit.head, size_t(unit.headSize), completed)) < 0)
-            break;
+        const int fed = m_splitter.Feed(unit.start, unit.head, size_t(unit.headSize), completed);
+        if (fed < 0) {
+            found.failure = fed;
+            found.used = 0;
+            found.setCount = 0;
+            m_splitter.Reset();
+            continue;
+        }
         if (type >= HevcNalHeader::VideoParameterSet && type <= HevcNalHeader::PictureParameterSet &&
             (result = KeepParameterSet(unit, found)) < 0)
             break;
         if (const HevcAccessUnitSplitter::AccessUnit* picture = m_splitter.GetOpenPicture()) {
             found.picture = true;
             found.sequenceSetId = picture->sequenceSetId;
-            found.leadingBytes = picture->position;
+            found.firstPicture = picture->position;
             return RESULT_OK;
         }
     }
@@ -164,24 +180,30 @@ int CMpegHevcContainerReader::FindFirstPicture(CStream* stream, Found& found)
 
 int CMpegHevcContainerReader::ReadStreamHeader(VideoStreamFacts& facts)
 {
+    RObject<CByteArray> bytes;
     RObject<CMemoryStream> window;
     Found found;
-    int result = ReadWindow(GetStream(), window);
+    int result = ReadWindow(GetStream(), bytes, window);
     if (result >= 0)
         result = FindFirstPicture(window, found);
     if (result < 0) {
-        Log(LogLevel::Error, "CMpegHevcContainerReader::BeginIndex: the stream's first units cannot be read (%s)\n",
+        Log(LogLevel::Error, "CMpegHevcContainerReader::BeginIndex: reading the stream's start failed with %s\n",
             GetResultName(result));
-        return result == RESULT_OUT_OF_MEMORY ? result : RESULT_FORMAT_ERROR;
+        return result;
     }
     const HevcSequenceParameterSet* sps = m_splitter.GetSequenceSet(found.sequenceSetId);
     if (!found.picture || !sps || !m_splitter.GetVideoSet(sps->videoSetId)) {
         Log(LogLevel::Error, "CMpegHevcContainerReader::BeginIndex: no video, sequence and picture parameter set "
-            "with a slice segment in the first %d bytes\n", int32_t(ProbeBytes));
+            "with a slice segment in the first %d bytes (last unit refused: %s)\n", int32_t(ProbeBytes),
+            GetResultName(found.failure));
         return RESULT_FORMAT_ERROR;
     }
+    if (found.firstPicture > 0)
+        Log(LogLevel::Warning, "CMpegHevcContainerReader::BeginIndex: %lld bytes before the first access unit are "
+            "not read\n", static_cast<long long>(found.firstPicture));
+    m_firstPicture = found.firstPicture;
     Log(LogLevel::Detail, "CMpegHevcContainerReader::BeginIndex: first picture at %lld, sequence set %u: %ux%u, "
-        "profile %u, level %u, %zu-bit, chroma format %u\n", static_cast<long long>(found.leadingBytes),
+        "profile %u, level %u, %zu-bit, chroma format %u\n", static_cast<long long>(found.firstPicture),
         found.sequenceSetId, sps->width, sps->height, sps->profileTierLevel.profileIdc,
         sps->profileTierLevel.levelIdc, size_t(sps->bitDepthLuma), sps->chromaFormatIdc);
     DescribeSequence(*sps, facts);
@@ -275,9 +297,9 @@ int CMpegHevcContainerReader::StartPictures()
     m_unitsEnded = false;
     m_walkFailure = RESULT_OK;
     CStream* stream = GetStream();
-    int result = stream->Seek(0, CStream::Begin);
+    int result = stream->Seek(m_firstPicture, CStream::Begin);
     if (result >= 0)
-        result = m_units.Reset(stream, 0, HeadBytes);
+        result = m_units.Reset(stream, m_firstPicture, HeadBytes);
     return result < 0 ? result : RESULT_OK;
 }
 

@@ -6,7 +6,8 @@
 //
 // The stream is recognised by a video, a sequence and a picture parameter
 // set and a first slice segment that refers to them, all within the first
-// ProbeBytes of the file. The track is described from the sequence set that
+// ProbeBytes of the file; bytes before them (garbage, a cut unit) are
+// passed over and are in no sample. The track is described from the sequence set that
 // first slice uses: size after the conformance window, chroma format, bit
 // depths, aspect ratio, colour, frame rate (from the timing information,
 // when stated), profile, tier and level, the reorder depth of the highest
@@ -39,9 +40,9 @@ public:
         MatchScore = 100,
         MatchScoreAfterGarbage = 60,
         ProbeBytes = 2 << 20,
-        // Bytes of each unit the walk keeps: every parameter set and slice
-        // segment header of a real stream fits.
-        HeadBytes = 16384,
+        // Bytes of each unit the walk reads: parameter sets and the start
+        // of slice segment headers fit many times over.
+        HeadBytes = StartCodeUnitReader::DefaultHeadCapacity,
     };
 
     CMpegHevcContainerReader();
@@ -49,8 +50,8 @@ public:
 
     const char* GetFormatName() override { return "HEVC"; }
     // MatchScore when the parameter sets and a first slice segment are found
-    // from the first byte, MatchScoreAfterGarbage when other bytes come
-    // first, 0 otherwise.
+    // from the first byte (or after zero bytes), MatchScoreAfterGarbage when
+    // other bytes come first, 0 otherwise.
     int Validate(CStream* stream) override;
 
 protected:
@@ -72,6 +73,7 @@ private:
 
     HevcAccessUnitSplitter m_splitter;
     StartCodeUnitReader m_units;
+    int64_t m_firstPicture = 0; // where the walk starts: bytes before are not the stream's
     int64_t m_streamEnd = 0;
     bool m_unitsEnded = false;
     int m_walkFailure = RESULT_OK; // a unit that cannot be read ended the walk
