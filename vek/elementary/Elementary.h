@@ -14,6 +14,7 @@
 #include <vek/elementary/HevcAccessUnitSplitter.h>
 #include <vek/elementary/HevcDecoderConfiguration.h>
 #include <vek/elementary/HevcNalHeader.h>
+#include <vek/elementary/HevcPictureOutput.h>
 #include <vek/elementary/HevcPictureOrderCounter.h>
 #include <vek/elementary/HevcPictureParameterSet.h>
 #include <vek/elementary/HevcProfileTierLevel.h>

@@ -199,6 +199,7 @@ void HevcAccessUnitSplitter::StartPicture(const HevcSliceHeader& slice, const He
     m_open.key = HevcNalHeader::IsIrap(type);
     m_open.newSequence = m_open.key && m_counter.SkipsLeadingPictures();
     m_open.skipped = HevcNalHeader::IsRasl(type) && m_counter.SkipsLeadingPictures();
+    m_open.dropsWaiting = m_open.newSequence && (type == HevcNalHeader::Cra || slice.noOutputOfPriorPics);
     m_open.picOutput = slice.picOutput && !m_open.skipped;
     m_open.sequenceSetId = m_pictureSeen[slice.pictureSetId]->sequenceSetId;
     m_open.picStruct = sps.vuiPresent && sps.vui.frameFieldInfoPresent ? m_pendingPicStruct : -1;

@@ -25,6 +25,8 @@
 //   output before it;
 // - skipped: a RASL picture that follows such a start: it refers to
 //   pictures never decoded, so a decoder drops it;
+// - dropsWaiting: such a start empties the decoded picture buffer without
+//   output (a CRA always, an IDR or BLA by no_output_of_prior_pics_flag);
 // - picOrderCount: PicOrderCntVal, the output order within a sequence;
 // - picStruct: pic_struct of the picture timing SEI when the sequence
 //   says one is sent (frame_field_info_present_flag), else -1.
@@ -58,6 +60,7 @@ public:
         bool key = false;
         bool newSequence = false;
         bool skipped = false;
+        bool dropsWaiting = false; // NoOutputOfPriorPicsFlag of a new sequence's first picture
         bool picOutput = true;
         int32_t picStruct = -1;
         int64_t picOrderCount = 0;

@@ -295,7 +295,10 @@ int CMpegHevcContainerReader::StartPictures()
     m_splitter.Reset();
     m_streamEnd = 0;
     m_unitsEnded = false;
+    m_walkDone = false;
     m_walkFailure = RESULT_OK;
+    m_output.Reset();
+    m_waitingFirst = 0;
     CStream* stream = GetStream();
     int result = stream->Seek(m_firstPicture, CStream::Begin);
     if (result >= 0)
@@ -303,11 +306,11 @@ int CMpegHevcContainerReader::StartPictures()
     return result < 0 ? result : RESULT_OK;
 }
 
-int CMpegHevcContainerReader::ReadNextPicture(CodedPicture& picture)
+// The next access unit from the walk: 0 and the unit, 1 at the end (also
+// after a unit that could not be read: its failure is kept for the end),
+// or the stream's failure.
+int CMpegHevcContainerReader::NextAccessUnit(HevcAccessUnitSplitter::AccessUnit& completed)
 {
-    if (m_walkFailure < 0)
-        return m_walkFailure;
-    HevcAccessUnitSplitter::AccessUnit completed;
     StartCodeUnitReader::Unit unit;
     while (!m_unitsEnded) {
         int result = m_units.Next(unit);
@@ -320,10 +323,10 @@ int CMpegHevcContainerReader::ReadNextPicture(CodedPicture& picture)
         m_streamEnd = unit.end;
         result = m_splitter.Feed(unit.start, unit.head, size_t(unit.headSize), completed);
         if (result > 0)
-            return DescribePicture(completed, picture);
+            return RESULT_OK;
         if (result < 0) {
-            // The picture before the unreadable unit is whole: hand it out,
-            // then the failure.
+            // The picture before the unreadable unit is whole: it is handed
+            // out, then the failure.
             m_walkFailure = result;
             m_unitsEnded = true;
             m_streamEnd = unit.start;
@@ -331,9 +334,47 @@ int CMpegHevcContainerReader::ReadNextPicture(CodedPicture& picture)
         }
     }
     const int result = m_splitter.Finish(m_streamEnd, completed);
-    if (result <= 0)
-        return result < 0 ? result : m_walkFailure < 0 ? m_walkFailure : 1;
-    return DescribePicture(completed, picture);
+    return result < 0 ? result : result == 1 ? RESULT_OK : 1;
+}
+
+// Pictures wait in decode order until the output process has decided
+// whether a decoder outputs them.
+int CMpegHevcContainerReader::ReadNextPicture(CodedPicture& picture)
+{
+    for (;;) {
+        bool output = false;
+        if (m_output.TakeDecided(output)) {
+            picture = m_waiting[m_waitingFirst];
+            m_waitingFirst = (m_waitingFirst + 1) % HevcPictureOutput::Capacity;
+            picture.exclude = picture.exclude || !output;
+            return RESULT_OK;
+        }
+        if (m_walkDone) {
+            if (m_output.GetCount() == 0)
+                return m_walkFailure < 0 ? m_walkFailure : 1;
+            m_output.Finish();
+            continue;
+        }
+        HevcAccessUnitSplitter::AccessUnit unit;
+        int result = NextAccessUnit(unit);
+        if (result < 0)
+            return result;
+        if (result > 0) {
+            m_walkDone = true;
+            continue;
+        }
+        CodedPicture& described = m_waiting[(m_waitingFirst + m_output.GetCount()) % HevcPictureOutput::Capacity];
+        if ((result = DescribePicture(unit, described)) < 0)
+            return result;
+        const HevcSequenceParameterSet* sps = m_splitter.GetSequenceSet(unit.sequenceSetId);
+        HevcPictureOutput::Picture decoded;
+        decoded.picOrderCount = unit.picOrderCount;
+        decoded.output = !described.exclude;
+        decoded.startsSequence = unit.newSequence;
+        decoded.dropsWaiting = unit.dropsWaiting;
+        decoded.maxReorder = sps ? sps->maxNumReorderPics[sps->maxSubLayers - 1] : 0;
+        m_output.Decode(decoded);
+    }
 }
 
 int CMpegHevcContainerReader::DescribePicture(const HevcAccessUnitSplitter::AccessUnit& unit, CodedPicture& picture)

@@ -18,7 +18,8 @@
 // for the access unit and picture type rules). A sample is key for an
 // intra random access point; it is excluded when a decoder drops it or does
 // not output it (a RASL picture after a point where decoding starts, a
-// picture with pic_output_flag 0). Output order is the picture order count,
+// picture with pic_output_flag 0, a picture still waiting for output when
+// a new coded video sequence empties the buffer: HevcPictureOutput). Output order is the picture order count,
 // restarting at every random access point that starts a new coded video
 // sequence. A picture lasts one frame, or what its picture timing message
 // says (a field, three fields, two or three frames). A stream coded as
@@ -27,6 +28,7 @@
 #include <vek/containers/readers/elementary/CVideoStreamReader.h>
 #include <vek/containers/readers/elementary/StartCodeUnitReader.h>
 #include <vek/elementary/HevcAccessUnitSplitter.h>
+#include <vek/elementary/HevcPictureOutput.h>
 
 namespace Quorvex::Vek {
 
@@ -69,6 +71,7 @@ private:
     int KeepParameterSet(const StartCodeUnitReader::Unit& unit, Found& found);
     void DescribeSequence(const HevcSequenceParameterSet& sps, VideoStreamFacts& facts);
     int MakeDecoderConfiguration(const HevcSequenceParameterSet& sps, const Found& found, VideoStreamFacts& facts);
+    int NextAccessUnit(HevcAccessUnitSplitter::AccessUnit& completed);
     int DescribePicture(const HevcAccessUnitSplitter::AccessUnit& unit, CodedPicture& picture);
 
     HevcAccessUnitSplitter m_splitter;
@@ -76,6 +79,10 @@ private:
     int64_t m_firstPicture = 0; // where the walk starts: bytes before are not the stream's
     int64_t m_streamEnd = 0;
     bool m_unitsEnded = false;
+    bool m_walkDone = false; // no access unit is left
+    HevcPictureOutput m_output;
+    CodedPicture m_waiting[HevcPictureOutput::Capacity]; // in decode order, from m_waitingFirst
+    int32_t m_waitingFirst = 0;
     int m_walkFailure = RESULT_OK; // a unit that cannot be read ended the walk
 };
 
