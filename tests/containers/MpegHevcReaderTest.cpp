@@ -153,7 +153,8 @@ std::string WithDelimitersAndEndOfSequence(const std::string& file)
     return out + suffixSei;
 }
 
-void ExpectFactsAsFfprobe(const ReadStream& read, const std::string& path)
+// `fields`: every picture is a field, which ffprobe counts as a frame.
+void ExpectFactsAsFfprobe(const ReadStream& read, const std::string& path, bool fields)
 {
     const std::string probe = VekTest::Probe(path, "-show_streams -select_streams v");
     CVideoProperties* video = read.video.Get();
@@ -167,7 +168,8 @@ void ExpectFactsAsFfprobe(const ReadStream& read, const std::string& path)
     EXPECT_EQ(std::to_string(Number(video, VideoStreamFacts::ReorderDepthKey)), JsonValue(probe, "has_b_frames"));
     int64_t numerator = 0, denominator = 0;
     video->GetFrameRate(numerator, denominator);
-    EXPECT_EQ(std::to_string(numerator) + "/" + std::to_string(denominator), JsonValue(probe, "r_frame_rate"));
+    EXPECT_DOUBLE_EQ(double(numerator) / double(denominator) * (fields ? 2 : 1),
+                     VekTest::Ratio(JsonValue(probe, "r_frame_rate")));
     video->GetPixelAspectRatio(numerator, denominator);
     const std::string sar = JsonValue(probe, "sample_aspect_ratio");
     if (!sar.empty() && sar != "0:1") {
@@ -217,12 +219,14 @@ void ExpectPacketsAsFfprobe(const ReadStream& read, const std::string& file, con
     }
 }
 
-// The pictures a decoder outputs, in its output order, with their types.
-void ExpectOutputAsFfprobe(const ReadStream& read, const std::string& file, const std::string& path)
+// The pictures a decoder outputs, in its output order, with their types
+// and, for fields, their parity.
+void ExpectOutputAsFfprobe(const ReadStream& read, const std::string& file, const std::string& path, bool fields)
 {
-    const std::string probe = VekTest::Probe(path, "-show_entries frame=pkt_pos,pict_type");
+    const std::string probe = VekTest::Probe(path, "-show_entries frame=pkt_pos,pict_type,top_field_first");
     const std::vector<std::string> positions = JsonValues(probe, "pkt_pos");
     const std::vector<std::string> types = JsonValues(probe, "pict_type");
+    const std::vector<std::string> topFirst = JsonValues(probe, "top_field_first");
     std::vector<ReadSample> shown;
     for (const ReadSample& sample : read.samples)
         if (!sample.exclude)
@@ -234,6 +238,10 @@ void ExpectOutputAsFfprobe(const ReadStream& read, const std::string& file, cons
         SCOPED_TRACE("output picture " + std::to_string(i));
         EXPECT_EQ(shown[i].position, AccessUnitStart(file, std::atoll(positions[i].c_str())));
         EXPECT_EQ(std::string(1, "IPB"[shown[i].type]), types[i]);
+        const int32_t structure = !fields ? CVideoSample::Frame
+                                  : topFirst[i] == "1" ? CVideoSample::UpperField
+                                                       : CVideoSample::LowerField;
+        EXPECT_EQ(shown[i].structure, structure);
         if (i > 0) {
             EXPECT_LT(shown[i - 1].presentation, shown[i].presentation);
         }
@@ -248,6 +256,7 @@ struct StreamCase {
     int startAtKey;
     std::string (*edit)(const std::string&);
     bool expectExcluded;
+    bool fields = false;
 };
 
 const StreamCase StreamCases[] = {
@@ -269,6 +278,8 @@ const StreamCase StreamCases[] = {
      "-pix_fmt yuv420p10le -x265-params log-level=error:keyint=15:open-gop=0:bframes=4:b-adapt=2", 0, nullptr, false},
     {"no B pictures, 4:4:4", "testsrc2=s=256x144:r=50:d=0.6",
      "-pix_fmt yuv444p -x265-params log-level=error:keyint=8:bframes=0", 0, nullptr, false},
+    {"fields, top first, with picture timing", "testsrc2=s=320x240:r=25:d=0.6",
+     "-pix_fmt yuv420p -x265-params log-level=error:interlace=tff:keyint=6:bframes=2", 0, nullptr, false, true},
 };
 
 TEST(MpegHevcContainerReader, ReadsLibx265StreamsAsFfprobeDoes)
@@ -302,18 +313,16 @@ TEST(MpegHevcContainerReader, ReadsLibx265StreamsAsFfprobeDoes)
         const ReadStream read = ReadAll(file);
         ASSERT_EQ(read.begin, RESULT_OK);
         EXPECT_EQ(read.last, RESULT_OK);
-        ExpectFactsAsFfprobe(read, path);
+        ExpectFactsAsFfprobe(read, path, c.fields);
         ExpectPacketsAsFfprobe(read, file, path);
-        ExpectOutputAsFfprobe(read, file, path);
+        ExpectOutputAsFfprobe(read, file, path, c.fields);
         const bool excluded = std::any_of(read.samples.begin(), read.samples.end(),
                                           [](const ReadSample& s) { return s.exclude; });
         EXPECT_EQ(excluded, c.expectExcluded);
         int64_t numerator = 0, denominator = 0;
         read.video->GetFrameRate(numerator, denominator);
-        for (const ReadSample& sample : read.samples) {
-            EXPECT_EQ(sample.structure, CVideoSample::Frame);
-            EXPECT_EQ(sample.duration * numerator, read.video->GetTimeScale() * denominator);
-        }
+        for (const ReadSample& sample : read.samples)
+            EXPECT_EQ(sample.duration * numerator * (c.fields ? 2 : 1), read.video->GetTimeScale() * denominator);
     }
 }
 
