@@ -402,6 +402,7 @@ TEST(MpegHevcContainerReader, EndsHostileStreamsWithACodeAndALogLine)
         {"cut inside the sequence set", stream.substr(0, sps + 12), RESULT_FORMAT_ERROR, 0, 0, "ends inside it"},
         {"lying chroma format", lyingSps, RESULT_FORMAT_ERROR, 0, 0, "chroma_format_idc 7"},
         {"only parameter sets", stream.substr(0, firstSlice), RESULT_FORMAT_ERROR, 0, 0, "no video, sequence"},
+        {"no video parameter set", stream.substr(units[1].start), RESULT_FORMAT_ERROR, 0, 0, "no video, sequence"},
         {"endless zero bytes", std::string(3 << 20, '\0'), RESULT_FORMAT_ERROR, 0, 0, "no video, sequence"},
         {"zero bytes after the stream", stream + std::string(70000, '\0'), 0, 0, whole, nullptr},
         {"bytes without start codes after the stream", stream + noPrefixes, 0, 0, whole, nullptr},

@@ -169,7 +169,10 @@ int CMpegHevcContainerReader::FindFirstPicture(CStream* stream, Found& found)
             (result = KeepParameterSet(unit, found)) < 0)
             break;
         if (const HevcAccessUnitSplitter::AccessUnit* picture = m_splitter.GetOpenPicture()) {
-            found.picture = true;
+            // A slice header cannot be read without its picture and
+            // sequence sets; the video set must have been seen too.
+            const HevcSequenceParameterSet* sps = m_splitter.GetSequenceSet(picture->sequenceSetId);
+            found.picture = sps && m_splitter.GetVideoSet(sps->videoSetId);
             found.sequenceSetId = picture->sequenceSetId;
             found.firstPicture = picture->position;
             return RESULT_OK;
@@ -192,7 +195,7 @@ int CMpegHevcContainerReader::ReadStreamHeader(VideoStreamFacts& facts)
         return result;
     }
     const HevcSequenceParameterSet* sps = m_splitter.GetSequenceSet(found.sequenceSetId);
-    if (!found.picture || !sps || !m_splitter.GetVideoSet(sps->videoSetId)) {
+    if (!found.picture || !sps) {
         Log(LogLevel::Error, "CMpegHevcContainerReader::BeginIndex: no video, sequence and picture parameter set "
             "with a slice segment in the first %d bytes (last unit refused: %s)\n", int32_t(ProbeBytes),
             GetResultName(found.failure));
