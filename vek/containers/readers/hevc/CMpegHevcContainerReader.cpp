@@ -151,11 +151,12 @@ int CMpegHevcContainerReader::KeepParameterSet(const StartCodeUnitReader::Unit& 
 int CMpegHevcContainerReader::FindFirstPicture(CStream* stream, Found& found)
 {
     m_splitter.Reset();
-    StartCodeUnitReader units;
-    int result = units.Reset(stream, 0, HeadBytes);
+    // The picture walk's unit reader serves the search too: it keeps its
+    // block, and StartPictures starts it over.
+    int result = m_units.Reset(stream, 0, HeadBytes);
     StartCodeUnitReader::Unit unit;
     HevcAccessUnitSplitter::AccessUnit completed;
-    while (result >= 0 && (result = units.Next(unit)) == 0) {
+    while (result >= 0 && (result = m_units.Next(unit)) == 0) {
         const uint8_t type = unit.headSize > 0 ? uint8_t(unit.head[0] >> 1 & 63) : 0;
         const int fed = m_splitter.Feed(unit.start, unit.head, size_t(unit.headSize), completed);
         if (fed < 0) {
