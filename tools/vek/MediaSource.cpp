@@ -21,6 +21,7 @@ void RegisterReaders()
         ContainerReaderInventory::AddAiffContainerReader("vek");
         ContainerReaderInventory::AddMpeg4VideoContainerReader("vek");
         ContainerReaderInventory::AddMpeg4AvcContainerReader("vek");
+        ContainerReaderInventory::AddMpegHevcContainerReader("vek");
         return true;
     }();
     (void)registered;

@@ -5,6 +5,7 @@
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
 #include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
+#include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -90,6 +91,11 @@ int ContainerReaderInventory::AddMpeg4VideoContainerReader(const char* label)
 int ContainerReaderInventory::AddMpeg4AvcContainerReader(const char* label)
 {
     return AddReader<CMpeg4AvcContainerReader>(ContainerFormat::MPEG4_AVC, label);
+}
+
+int ContainerReaderInventory::AddMpegHevcContainerReader(const char* label)
+{
+    return AddReader<CMpegHevcContainerReader>(ContainerFormat::MPEG_HEVC, label);
 }
 
 } // namespace Quorvex::Vek

@@ -30,6 +30,8 @@ public:
     static int AddMpeg4VideoContainerReader(const char* label);
     // Raw H.264 streams with start codes (ContainerFormat::MPEG4_AVC).
     static int AddMpeg4AvcContainerReader(const char* label);
+    // Raw HEVC elementary streams (ContainerFormat::MPEG_HEVC).
+    static int AddMpegHevcContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

@@ -26,6 +26,7 @@
 #include <vek/containers/readers/elementary/VideoStreamFacts.h>
 #include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
+#include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>

@@ -13,8 +13,10 @@
 #include <vek/elementary/AvcSequenceParameterSet.h>
 #include <vek/elementary/AvcSliceHeader.h>
 #include <vek/elementary/BitReader.h>
+#include <vek/elementary/HevcAccessUnitSplitter.h>
 #include <vek/elementary/HevcDecoderConfiguration.h>
 #include <vek/elementary/HevcNalHeader.h>
+#include <vek/elementary/HevcPictureOutput.h>
 #include <vek/elementary/HevcPictureOrderCounter.h>
 #include <vek/elementary/HevcPictureParameterSet.h>
 #include <vek/elementary/HevcProfileTierLevel.h>

@@ -16,6 +16,7 @@
 #include <vek/samples/CMpeg4AvcDataReference.h>
 #include <vek/samples/CMemoryDataReference.h>
 #include <vek/samples/CMetadata.h>
+#include <vek/samples/CMpegHevcDataReference.h>
 #include <vek/samples/CMetadataElement.h>
 #include <vek/samples/CPixelBufferDataReference.h>
 #include <vek/samples/CPixelDataReference.h>
