@@ -40,7 +40,7 @@ struct ReadStream {
 ReadStream ReadAll(const std::string& file)
 {
     ReadStream out;
-    RObject<CMemoryStream> stream(new CMemoryStream(int32_t(file.size()), VekTest::Bytes(file)));
+    RObject<CMemoryStream> stream(new CMemoryStream(int32_t(file.size()), VekTest::DataOf(file)));
     RObject<CString> name(CString::Create("memory.hevc"));
     RObject<CContainerStreamContext> context(stream && name ? CContainerStreamContext::Create(stream, name) : nullptr);
     RObject<CMpegHevcContainerReader> reader(new CMpegHevcContainerReader());
@@ -352,7 +352,7 @@ TEST(MpegHevcContainerReader, ScoresStreamsByWhereTheirHeadersStart)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        RObject<CMemoryStream> memory(new CMemoryStream(int32_t(c.bytes.size()), VekTest::Bytes(c.bytes)));
+        RObject<CMemoryStream> memory(new CMemoryStream(int32_t(c.bytes.size()), VekTest::DataOf(c.bytes)));
         RObject<CMpegHevcContainerReader> reader(new CMpegHevcContainerReader());
         EXPECT_EQ(reader->Validate(memory), c.score);
     }

@@ -94,7 +94,7 @@ int VideoStreamFacts::Apply(CVideoProperties* video) const
         (result = SetNumber(video, MatrixKey, matrix, describedColour)) < 0 ||
         (result = SetNumber(video, ChromaLocationKey, chromaLocation + 1, chromaLocation >= 0)) < 0 ||
         (result = SetNumber(video, ReorderDepthKey, reorderDepth, reorderDepth >= 0)) < 0 ||
-        (result = (describedColour || fullRange) ? video->SetProperty(FullRangeKey, 1, &range) : RESULT_OK) < 0 ||
+        (result = video->SetProperty(FullRangeKey, 1, &range)) < 0 ||
         (result = SetText(video, ProfileKey, profile)) < 0 || (result = SetText(video, LevelKey, level)) < 0 ||
         (result = SetText(video, TierKey, tier)) < 0 || (result = SetText(video, ScanKey, scan)) < 0 ||
         (result = SetText(video, profileKey, profile)) < 0 || (result = SetText(video, levelKey, level)) < 0)

@@ -8,7 +8,8 @@
 // Facts with a field of CVideoProperties go there; the rest go to the
 // description's bag under the keys below (numbers as 4 little-endian
 // bytes, texts zero-terminated, the decoder configuration as its bytes).
-// Zero (or empty) means "not stated" and is not written.
+// Zero (or empty) means "not stated" and is not written, except the range,
+// which is always written: a stream that does not state it is limited.
 #include <cstdint>
 
 #include <vek/core/CByteArray.h>
