@@ -19,6 +19,8 @@ void RegisterReaders()
         ContainerReaderInventory::AddWavContainerReader("vek");
         ContainerReaderInventory::AddWav64ContainerReader("vek");
         ContainerReaderInventory::AddAiffContainerReader("vek");
+        ContainerReaderInventory::AddMpeg1VideoContainerReader("vek");
+        ContainerReaderInventory::AddMpeg2VideoContainerReader("vek");
         return true;
     }();
     (void)registered;

@@ -3,6 +3,8 @@
 #include <vek/components/CInstanceFactory.h>
 #include <vek/containers/CContainerReaderInventory.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg1VideoContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg2VideoContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -78,6 +80,16 @@ int ContainerReaderInventory::AddWav64ContainerReader(const char* label)
 int ContainerReaderInventory::AddAiffContainerReader(const char* label)
 {
     return AddReader<CAiffContainerReader>(ContainerFormat::AIFF, label);
+}
+
+int ContainerReaderInventory::AddMpeg1VideoContainerReader(const char* label)
+{
+    return AddReader<CMpeg1VideoContainerReader>(ContainerFormat::MPEG1_VIDEO, label);
+}
+
+int ContainerReaderInventory::AddMpeg2VideoContainerReader(const char* label)
+{
+    return AddReader<CMpeg2VideoContainerReader>(ContainerFormat::MPEG2_VIDEO, label);
 }
 
 } // namespace Quorvex::Vek

@@ -26,6 +26,10 @@ public:
     static int AddWav64ContainerReader(const char* label);
     // AIFF (ContainerFormat::AIFF).
     static int AddAiffContainerReader(const char* label);
+    // Raw MPEG-1 video streams (ContainerFormat::MPEG1_VIDEO).
+    static int AddMpeg1VideoContainerReader(const char* label);
+    // Raw MPEG-2 video streams (ContainerFormat::MPEG2_VIDEO).
+    static int AddMpeg2VideoContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

@@ -19,6 +19,9 @@
 #include <vek/containers/IndexerTraverser.h>
 #include <vek/containers/readers/CAudioFileReader.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg1VideoContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg2VideoContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpegVideoStreamReader.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>
