@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
@@ -31,7 +32,10 @@ void MpegVideoAccessUnitSplitter::Reset()
     m_open = MpegVideoAccessUnit();
     m_completed = MpegVideoAccessUnit();
     m_phase = Phase::Headers;
+    m_building = MpegVideoSequence();
     m_haveSequence = false;
+    m_buildingSequence = false;
+    m_sawSequenceHeader = false;
     m_haveFirstCoding = false;
     m_afterSequenceHeader = false;
     m_afterPicture = false;
@@ -44,6 +48,7 @@ void MpegVideoAccessUnitSplitter::Reset()
     m_temporalBase = 0;
     m_highestTemporal = -1;
     m_lastLoneField = -1;
+    m_deferredFailure = RESULT_OK;
 }
 
 void MpegVideoAccessUnitSplitter::Open(int64_t position)
@@ -78,6 +83,9 @@ int MpegVideoAccessUnitSplitter::Complete(int64_t position)
 
 int MpegVideoAccessUnitSplitter::Finish(int64_t end)
 {
+    if (m_deferredFailure < 0)
+        return m_deferredFailure;
+    CommitSequence();
     return Complete(end);
 }
 
@@ -85,13 +93,27 @@ int MpegVideoAccessUnitSplitter::Feed(int64_t position, const uint8_t* bytes, si
 {
     if (!bytes)
         return RESULT_NULL_POINTER;
+    if (m_deferredFailure < 0)
+        return m_deferredFailure;
     if (size == 0)
         return 0; // a prefix at the very end of the stream
     const uint8_t code = bytes[0];
     const uint8_t* payload = bytes + 1;
-    const size_t payloadSize = size - 1;
-    if (!m_haveSequence && code != MpegVideoStartCode::SequenceHeader)
+    size_t payloadSize = size - 1;
+    if (!IsSlice(code)) {
+        // A header whose last byte is zero runs into a 00 00 00 01 prefix
+        // that the unit walk takes as the next unit's: the byte after a
+        // unit is always a zero (the stream's, or the prefix's), so the
+        // header is read with one zero after it.
+        payloadSize = std::min<size_t>(payloadSize, sizeof m_header - 1);
+        std::memcpy(m_header, payload, payloadSize);
+        m_header[payloadSize++] = 0;
+        payload = m_header;
+    }
+    if (!m_sawSequenceHeader && code != MpegVideoStartCode::SequenceHeader)
         return 0;
+    if (code != MpegVideoStartCode::Extension)
+        CommitSequence();
 
     int completed = 0;
     if (m_phase == Phase::Ended) {
@@ -112,6 +134,11 @@ int MpegVideoAccessUnitSplitter::Feed(int64_t position, const uint8_t* bytes, si
     }
     Open(position);
     const int result = FeedHeader(code, payload, payloadSize);
+    if (result < 0 && completed > 0) {
+        // The completed access unit is whole: hand it out, fail next time.
+        m_deferredFailure = result;
+        return completed;
+    }
     return result < 0 ? result : completed;
 }
 
@@ -212,16 +239,28 @@ int MpegVideoAccessUnitSplitter::FeedHeader(uint8_t code, const uint8_t* payload
     }
 }
 
+// The sequence a header and its extensions describe takes effect at the
+// first unit after them: until then the access unit before it is still
+// described by the sequence before.
+void MpegVideoAccessUnitSplitter::CommitSequence()
+{
+    if (!m_buildingSequence)
+        return;
+    m_sequence = m_building;
+    m_buildingSequence = false;
+    m_haveSequence = true;
+}
+
 int MpegVideoAccessUnitSplitter::FeedSequenceHeader(const uint8_t* payload, size_t size)
 {
     MpegVideoSequenceHeader header;
     const int result = MpegVideoSequenceHeader::Parse(payload, size, header);
     if (result < 0)
         return result;
-    m_sequence.header = header;
-    m_sequence.mpeg2 = false;
-    m_sequence.hasDisplayExtension = false;
-    m_haveSequence = true;
+    m_building = MpegVideoSequence();
+    m_building.header = header;
+    m_buildingSequence = true;
+    m_sawSequenceHeader = true;
     m_afterSequenceHeader = true;
     m_open.sequenceHeader = true;
     return RESULT_OK;
@@ -233,13 +272,13 @@ int MpegVideoAccessUnitSplitter::FeedExtension(const uint8_t* payload, size_t si
     if (id < 0)
         return id;
     if (m_afterSequenceHeader && id == MpegVideoExtension::Sequence) {
-        const int result = MpegVideoSequenceExtension::Parse(payload, size, m_sequence.extension);
-        m_sequence.mpeg2 = result >= 0;
+        const int result = MpegVideoSequenceExtension::Parse(payload, size, m_building.extension);
+        m_building.mpeg2 = result >= 0;
         return result;
     }
     if (m_afterSequenceHeader && id == MpegVideoExtension::SequenceDisplay) {
-        const int result = MpegVideoSequenceDisplayExtension::Parse(payload, size, m_sequence.display);
-        m_sequence.hasDisplayExtension = result >= 0;
+        const int result = MpegVideoSequenceDisplayExtension::Parse(payload, size, m_building.display);
+        m_building.hasDisplayExtension = result >= 0;
         return result;
     }
     if (!m_afterPicture || id != MpegVideoExtension::PictureCoding)

@@ -12,7 +12,9 @@
 // The splitter is fed the units in stream order with the first bytes of
 // each (enough for the headers: 256 suffice) and knows nothing of files,
 // so the readers of raw streams and of the containers that carry MPEG
-// video share it. Each completed access unit says what its picture is and
+// video share it. The unit's bytes may end one zero early (a walk that
+// gives the zero before 00 00 01 to the next unit): header units are read
+// with one zero byte after them. Each completed access unit says what its picture is and
 // where it goes in output order:
 // - key: an I picture (its first field I) after a sequence or GOP header;
 // - startsPeriod: a GOP header, or an I picture after a sequence header,
@@ -73,13 +75,16 @@ public:
     // unit's start, or all of it). 1 when the unit completed an access unit
     // (GetCompleted, valid until the next call), 0 when not, -19017 for a
     // header that does not parse or an access unit of 2 GiB or more
-    // (logged), -19001 for null bytes.
+    // (logged), -19001 for null bytes. When the unit that completed an
+    // access unit does not parse, the access unit is handed out first and
+    // the failure comes from every later call.
     int Feed(int64_t position, const uint8_t* bytes, size_t size);
     // The stream ends at `end`: 1 when that completed the last access unit.
     int Finish(int64_t end);
 
     const MpegVideoAccessUnit& GetCompleted() const { return m_completed; }
-    // True once a sequence header was read; GetSequence is the latest.
+    // True once a sequence header and its extensions were read; GetSequence
+    // is the latest one that a unit after it put into effect.
     bool HasSequence() const { return m_haveSequence; }
     const MpegVideoSequence& GetSequence() const { return m_sequence; }
     // True once a picture header after a sequence header was read.
@@ -106,6 +111,7 @@ private:
     int FeedPicture(const uint8_t* payload, size_t size);
     int FeedGop(const uint8_t* payload, size_t size);
     void TakePicture(const MpegVideoPictureHeader& picture);
+    void CommitSequence();
     // Ends the open access unit just before `position`; 1 when there was one.
     int Complete(int64_t position);
     void Open(int64_t position);
@@ -114,12 +120,14 @@ private:
     int64_t UnwrapTemporalReference(uint16_t temporalReference);
 
     MpegVideoSequence m_sequence;
-    MpegVideoSequenceHeader m_pendingHeader;
+    MpegVideoSequence m_building; // a sequence header and the extensions after it so far
     MpegVideoPictureCodingExtension m_firstCoding;
     MpegVideoAccessUnit m_open;
     MpegVideoAccessUnit m_completed;
     Phase m_phase = Phase::Headers;
     bool m_haveSequence = false;
+    bool m_buildingSequence = false;
+    bool m_sawSequenceHeader = false;
     bool m_haveFirstCoding = false;
     bool m_afterSequenceHeader = false; // the last unit was a sequence header
     bool m_afterPicture = false; // the last unit was a picture header
@@ -136,6 +144,8 @@ private:
     int64_t m_temporalBase = 0;
     int64_t m_highestTemporal = -1;
     int64_t m_lastLoneField = -1; // temporal reference of the last lone field
+    uint8_t m_header[HeadBytes + 1] = {}; // a header unit, read with a zero after it
+    int m_deferredFailure = 0; // a header that failed after its unit completed an access unit
 };
 
 } // namespace Quorvex::Vek

@@ -94,13 +94,15 @@ int CMpegVideoStreamReader::ScanHeaders(CStream* stream, HeaderScan& scan)
     m_splitter.Reset();
     int result = m_units.Reset(stream, 0, MpegVideoAccessUnitSplitter::HeadBytes);
     int64_t end = 0;
-    while (result >= 0) {
+    bool finished = false;
+    while (result >= 0 && !finished) {
         StartCodeUnitReader::Unit unit;
-        if ((result = m_units.Next(unit)) != 0 || unit.start >= HeaderWindow) {
-            if (result > 0)
-                result = m_splitter.Finish(end);
-            else if (result == 0)
-                result = m_splitter.Finish(unit.start);
+        result = m_units.Next(unit);
+        if (result < 0)
+            return result;
+        finished = result > 0 || unit.start >= HeaderWindow;
+        if (finished) {
+            result = m_splitter.Finish(result > 0 ? end : unit.start);
         } else {
             if (scan.firstUnitStart < 0) {
                 scan.firstUnitStart = unit.start;
@@ -108,21 +110,18 @@ int CMpegVideoStreamReader::ScanHeaders(CStream* stream, HeaderScan& scan)
             }
             end = unit.end;
             result = m_splitter.Feed(unit.payload - 3, unit.head, size_t(unit.headSize));
-            if (result == 0)
-                continue;
         }
         if (result <= 0)
-            return result;
+            continue;
         const MpegVideoAccessUnit& picture = m_splitter.GetCompleted();
         if (scan.pictures++ == 0) {
             scan.firstGop = picture.gopHeader;
             scan.firstGopClosed = picture.closedGop;
         }
         scan.sawB = scan.sawB || picture.type == MpegPictureType::B;
-        if (scan.sawB || scan.pictures >= ScannedPictures || end >= HeaderWindow || result > 0)
-            return RESULT_OK;
+        finished = finished || scan.sawB || scan.pictures >= ScannedPictures || end >= HeaderWindow;
     }
-    return result;
+    return result < 0 ? result : RESULT_OK;
 }
 
 int CMpegVideoStreamReader::Validate(CStream* stream)
@@ -196,8 +195,9 @@ int CMpegVideoStreamReader::DescribeSequence(const HeaderScan& scan, VideoStream
     facts.chromaFormat = sequence.ChromaFormat();
     facts.bitDepth = 8;
     facts.chromaBitDepth = 8;
-    // MPEG-1 puts 4:2:0 chroma between the luma samples, MPEG-2 beside the left one.
-    facts.chromaLocation = sequence.mpeg2 ? 0 : 1;
+    // MPEG-1 puts 4:2:0 chroma between the luma samples, MPEG-2 beside the
+    // left one; 4:2:2 and 4:4:4 chroma rows are those of the luma.
+    facts.chromaLocation = !sequence.mpeg2 ? 1 : facts.chromaFormat == 1 ? 0 : 2;
     // 0x3FFFF in an MPEG-1 header marks a variable bit rate.
     facts.bitRate = !sequence.mpeg2 && sequence.header.bitRateValue == 0x3FFFF ? 0 : sequence.BitRate();
     const MpegVideoPictureCodingExtension& first = m_splitter.GetFirstCoding();
