@@ -4,7 +4,6 @@
 
 #include <vector>
 
-#include <vek/core/Result.h>
 #include <vek/elementary/MpegVideoAccessUnitSplitter.h>
 
 #include "elementary/MpegVideoStreamBuilder.h"
@@ -25,7 +24,7 @@ struct Unit {
 };
 
 // Feeds every unit of `bytes`, found byte by byte; the access units.
-std::vector<Unit> Split(const std::vector<uint8_t>& bytes, int* failure = nullptr)
+std::vector<Unit> Split(const std::vector<uint8_t>& bytes)
 {
     MpegVideoAccessUnitSplitter splitter;
     std::vector<Unit> units;
@@ -38,11 +37,7 @@ std::vector<Unit> Split(const std::vector<uint8_t>& bytes, int* failure = nullpt
         if (bytes[i] != 0 || bytes[i + 1] != 0 || bytes[i + 2] != 1)
             continue;
         const int result = splitter.Feed(int64_t(i), bytes.data() + i + 3, bytes.size() - i - 3);
-        if (result < 0) {
-            if (failure)
-                *failure = result;
-            return units;
-        }
+        EXPECT_GE(result, 0) << "unit at " << i;
         if (result == 1)
             take();
     }
@@ -147,55 +142,6 @@ TEST(MpegVideoAccessUnitSplitter, LeadingBPicturesOfAnOpenStartAreUndecodable)
         for (size_t i = 0; i < c.undecodable.size(); ++i)
             EXPECT_EQ(units[skip + i].undecodable, c.undecodable[i]) << i;
     }
-}
-
-TEST(MpegVideoAccessUnitSplitter, RepeatedFieldsLengthenTheDisplay)
-{
-    struct Case {
-        bool progressiveSequence, topFieldFirst, repeat;
-        int32_t fields;
-    } cases[] = {{false, true, true, 3}, {false, false, false, 2}, {true, false, true, 4}, {true, true, true, 6}};
-    for (const Case& c : cases) {
-        Builder b;
-        b.SequenceHeader(720, 480, c.progressiveSequence, 4);
-        b.Picture(Builder::I, 0, Builder::Frame, c.topFieldFirst, c.repeat);
-        const std::vector<Unit> units = Split(b.bytes);
-        ASSERT_EQ(units.size(), 1u);
-        EXPECT_EQ(units[0].fields, c.fields) << c.progressiveSequence << c.topFieldFirst << c.repeat;
-    }
-}
-
-TEST(MpegVideoAccessUnitSplitter, HostileUnitsEndInACode)
-{
-    Builder valid;
-    valid.SequenceHeader(352, 288);
-    valid.Picture(Builder::I, 0);
-    struct Case {
-        const char* name;
-        std::vector<uint8_t> bytes;
-        int expected;
-        const char* logged;
-    } cases[] = {
-        {"picture_coding_type 0", {0, 0, 1, 0xB3, 0x16, 0x01, 0x20, 0x23, 0xFF, 0xFF, 0xE0, 0x18, 0, 0, 1, 0, 0, 0x07, 0xFF, 0xFF, 0xF8},
-         RESULT_FORMAT_ERROR, "picture_coding_type 0"},
-        {"cut sequence header", {0, 0, 1, 0xB3, 0x16, 0x01}, RESULT_FORMAT_ERROR, "end inside the header"},
-        {"only zeros", std::vector<uint8_t>(5000, 0), 0, nullptr},
-        {"pictures before any sequence header", {0, 0, 1, 0, 0, 0x0F, 0xFF, 0xF8, 0, 0, 1, 1, 0x55}, 0, nullptr},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        VekTest::LogCapture log(1);
-        int failure = 0;
-        const std::vector<Unit> units = Split(c.bytes, &failure);
-        EXPECT_EQ(failure, c.expected);
-        EXPECT_TRUE(units.empty());
-        if (c.logged) {
-            EXPECT_GE(log.Count(c.logged), 1u) << log.Text();
-        }
-    }
-    MpegVideoAccessUnitSplitter splitter;
-    EXPECT_EQ(splitter.Feed(0, nullptr, 4), RESULT_NULL_POINTER);
-    EXPECT_EQ(Split(valid.bytes).size(), 1u);
 }
 
 } // namespace
