@@ -22,6 +22,8 @@ void RegisterReaders()
         ContainerReaderInventory::AddMpeg4VideoContainerReader("vek");
         ContainerReaderInventory::AddMpeg4AvcContainerReader("vek");
         ContainerReaderInventory::AddMpegHevcContainerReader("vek");
+        ContainerReaderInventory::AddMpeg1VideoContainerReader("vek");
+        ContainerReaderInventory::AddMpeg2VideoContainerReader("vek");
         return true;
     }();
     (void)registered;

@@ -6,6 +6,8 @@
 #include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
 #include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg1VideoContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg2VideoContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -96,6 +98,16 @@ int ContainerReaderInventory::AddMpeg4AvcContainerReader(const char* label)
 int ContainerReaderInventory::AddMpegHevcContainerReader(const char* label)
 {
     return AddReader<CMpegHevcContainerReader>(ContainerFormat::MPEG_HEVC, label);
+}
+
+int ContainerReaderInventory::AddMpeg1VideoContainerReader(const char* label)
+{
+    return AddReader<CMpeg1VideoContainerReader>(ContainerFormat::MPEG1_VIDEO, label);
+}
+
+int ContainerReaderInventory::AddMpeg2VideoContainerReader(const char* label)
+{
+    return AddReader<CMpeg2VideoContainerReader>(ContainerFormat::MPEG2_VIDEO, label);
 }
 
 } // namespace Quorvex::Vek

@@ -32,6 +32,10 @@ public:
     static int AddMpeg4AvcContainerReader(const char* label);
     // Raw HEVC elementary streams (ContainerFormat::MPEG_HEVC).
     static int AddMpegHevcContainerReader(const char* label);
+    // Raw MPEG-1 video streams (ContainerFormat::MPEG1_VIDEO).
+    static int AddMpeg1VideoContainerReader(const char* label);
+    // Raw MPEG-2 video streams (ContainerFormat::MPEG2_VIDEO).
+    static int AddMpeg2VideoContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

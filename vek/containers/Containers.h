@@ -27,6 +27,9 @@
 #include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
 #include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg1VideoContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpeg2VideoContainerReader.h>
+#include <vek/containers/readers/mpegvideo/CMpegVideoStreamReader.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>

@@ -28,6 +28,7 @@
 #include <vek/elementary/Mpeg4VopClock.h>
 #include <vek/elementary/MpegAudioFrameHeader.h>
 #include <vek/elementary/MpegAudioInfoTag.h>
+#include <vek/elementary/MpegVideoAccessUnitSplitter.h>
 #include <vek/elementary/MpegVideoHeaders.h>
 #include <vek/elementary/NalUnitIterator.h>
 #include <vek/elementary/PlainBitWriter.h>
