@@ -19,6 +19,9 @@ void RegisterReaders()
         ContainerReaderInventory::AddWavContainerReader("vek");
         ContainerReaderInventory::AddWav64ContainerReader("vek");
         ContainerReaderInventory::AddAiffContainerReader("vek");
+        ContainerReaderInventory::AddAacContainerReader("vek");
+        ContainerReaderInventory::AddAc3ContainerReader("vek");
+        ContainerReaderInventory::AddMpegAudioContainerReader("vek");
         return true;
     }();
     (void)registered;

@@ -2,7 +2,10 @@
 
 #include <vek/components/CInstanceFactory.h>
 #include <vek/containers/CContainerReaderInventory.h>
+#include <vek/containers/readers/aac/CAacContainerReader.h>
+#include <vek/containers/readers/ac3/CAc3ContainerReader.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
+#include <vek/containers/readers/mpegaudio/CMpegAudioContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -78,6 +81,21 @@ int ContainerReaderInventory::AddWav64ContainerReader(const char* label)
 int ContainerReaderInventory::AddAiffContainerReader(const char* label)
 {
     return AddReader<CAiffContainerReader>(ContainerFormat::AIFF, label);
+}
+
+int ContainerReaderInventory::AddAacContainerReader(const char* label)
+{
+    return AddReader<CAacContainerReader>(ContainerFormat::AAC, label);
+}
+
+int ContainerReaderInventory::AddAc3ContainerReader(const char* label)
+{
+    return AddReader<CAc3ContainerReader>(ContainerFormat::AC3, label);
+}
+
+int ContainerReaderInventory::AddMpegAudioContainerReader(const char* label)
+{
+    return AddReader<CMpegAudioContainerReader>(ContainerFormat::MPEG_AUDIO, label);
 }
 
 } // namespace Quorvex::Vek

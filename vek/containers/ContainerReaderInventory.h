@@ -26,6 +26,12 @@ public:
     static int AddWav64ContainerReader(const char* label);
     // AIFF (ContainerFormat::AIFF).
     static int AddAiffContainerReader(const char* label);
+    // Raw AAC in ADTS framing (ContainerFormat::AAC).
+    static int AddAacContainerReader(const char* label);
+    // Raw AC-3 and E-AC-3 (ContainerFormat::AC3).
+    static int AddAc3ContainerReader(const char* label);
+    // Raw MPEG audio, layers I-III (ContainerFormat::MPEG_AUDIO).
+    static int AddMpegAudioContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

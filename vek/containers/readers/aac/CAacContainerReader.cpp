@@ -1,0 +1,42 @@
+#include <vek/containers/readers/aac/CAacContainerReader.h>
+
+#include <vek/containers/readers/AudioTrackFacts.h>
+#include <vek/core/Log.h>
+#include <vek/media/AudioFormat.h>
+#include <vek/media/AudioProperty.h>
+
+namespace Quorvex::Vek {
+
+CAacContainerReader::CAacContainerReader() : CAacContainerReader(0) {}
+
+CAacContainerReader::CAacContainerReader(unsigned int flags) : CAudioFrameFileReader(Type, flags) {}
+
+CAacContainerReader::~CAacContainerReader() = default;
+
+int CAacContainerReader::DescribeStream(const uint8_t* bytes, int32_t available, const AudioFrame& first,
+                                        bool& holdsNoAudio)
+{
+    holdsNoAudio = false;
+    AdtsHeader header;
+    int result = AdtsHeader::Parse(bytes, size_t(available), header);
+    if (result < 0)
+        return result;
+    const AacAudioSpecificConfig config = header.ToAudioSpecificConfig();
+    uint8_t written[AacAudioSpecificConfig::MaxWrittenBytes];
+    size_t length = 0;
+    if ((result = config.Write(written, sizeof written, length)) < 0)
+        return result;
+    CAudioProperties* audio = GetAudio();
+    audio->SetFormat(AudioFormat::ADTS);
+    const uint8_t objectType = config.objectType;
+    if ((result = AudioTrackFacts::SetCodedGeometry(audio, header.samplingFrequency, first.frames)) < 0 ||
+        (result = AudioTrackFacts::SetChannels(audio, config.Channels(), config.ChannelMask())) < 0 ||
+        (result = audio->SetProperty(AudioProperty::Mpeg4ObjectType, 1, &objectType)) < 0 ||
+        (result = audio->SetProperty(AudioProperty::DecoderConfiguration, int32_t(length), written)) < 0)
+        return result;
+    Log(LogLevel::Detail, "CAacContainerReader::BeginIndex: ADTS object type %u, %d Hz, channel configuration %u\n",
+        unsigned(objectType), int(header.samplingFrequency), unsigned(header.channelConfiguration));
+    return RESULT_OK;
+}
+
+} // namespace Quorvex::Vek
