@@ -1,5 +1,6 @@
 #include <vek/containers/readers/AudioFileTags.h>
 
+#include <cstdint>
 #include <cstring>
 
 #include <vek/core/CObject.h>
@@ -79,6 +80,8 @@ int MeasureTrailingTags(CStream* stream, int64_t start, int64_t end, int64_t& by
     bytes = 0;
     if (!stream)
         return RESULT_ARGUMENT_NULL;
+    if (end == INT64_MAX)
+        return RESULT_OK; // a stream of unknown length: its end is not at hand
     if (end - start >= Id3v1Bytes) {
         uint8_t tag[3];
         const int result = ReadExactly(stream, end - Id3v1Bytes, tag, 3);

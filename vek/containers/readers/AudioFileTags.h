@@ -26,7 +26,9 @@ enum : int32_t {
 VEK_API int MeasureLeadingTags(const char* owner, CStream* stream, int64_t length, int64_t& bytes);
 
 // The bytes the ID3v1 and APEv2 tags take at the end of [start, end) of
-// `stream`: 0 without one. A tag that does not fit the range is not a tag.
+// `stream`: 0 without one, and 0 for a range that ends at INT64_MAX (a
+// stream that cannot tell its length). A tag that does not fit the range
+// is not a tag.
 VEK_API int MeasureTrailingTags(CStream* stream, int64_t start, int64_t end, int64_t& bytes);
 
 } // namespace Quorvex::Vek::AudioFileTags

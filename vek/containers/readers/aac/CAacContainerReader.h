@@ -40,6 +40,8 @@ protected:
     const char* GetReadOwner() const override { return "CAacContainerReader::ReadAudioSample"; }
 
 private:
+    int SetDecoderConfiguration(const AacAudioSpecificConfig& config);
+
     AdtsFrameSyntax m_syntax;
 };
 

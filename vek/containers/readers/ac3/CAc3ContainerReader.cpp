@@ -65,10 +65,14 @@ int CAc3ContainerReader::SetDecoderConfiguration(const Ac3SyncFrame* frames, siz
 {
     uint8_t payload[MaxDecoderConfigBytes];
     size_t length = 0;
-    int result = frames[0].enhanced ? WriteEac3DecoderConfig(frames, count, payload, sizeof payload, length)
-                                    : frames[0].WriteDac3(payload, sizeof payload, length);
-    if (result < 0)
-        return result;
+    const int result = frames[0].enhanced ? WriteEac3DecoderConfig(frames, count, payload, sizeof payload, length)
+                                          : frames[0].WriteDac3(payload, sizeof payload, length);
+    if (result < 0) {
+        // The frames still decode; only an MP4 writer misses the payload.
+        Log(LogLevel::Warning, "CAc3ContainerReader::BeginIndex: the first unit's %d frames give no decoder "
+            "configuration (%s)\n", int(count), GetResultName(result));
+        return RESULT_OK;
+    }
     return GetAudio()->SetProperty(AudioProperty::DecoderConfiguration, int32_t(length), payload);
 }
 
