@@ -283,6 +283,37 @@ TEST(RawAudioReaders, OtherTracksAreOutOfRange)
     EXPECT_EQ(opened.reader->GetAudioProperties(1), nullptr);
 }
 
+TEST(RawAudioReaders, AFailedSampleIsHandedOutByTheNextRead)
+{
+    VEK_REQUIRE_FAULT_INJECTION();
+#if VEK_FAULT_INJECTION
+    const std::pair<Kind, Bytes> streams[] = {
+        {Kind::Aac, Repeat(AdtsFrame(3, 2, 100), 5)},
+        {Kind::Ac3, Repeat(Ac3Frame(), 5)},
+        {Kind::Mpeg, Repeat(Mp3Frame(), 5)},
+    };
+    for (const auto& [kind, file] : streams) {
+        auto opened = Open(kind, file);
+        ASSERT_EQ(opened.result, RESULT_OK);
+        // One read warms the sample pool, one counts what a read allocates,
+        // the third fails at its last allocation.
+        const auto read = [&](int64_t failAt) {
+            CAudioSample* raw = nullptr;
+            FaultInjection::FailAllocation(failAt);
+            const int result = opened.reader->ReadAudioSample(0, raw);
+            FaultInjection::Disarm();
+            RObject<CAudioSample> sample(raw);
+            return result < 0 || !sample ? int64_t(result)
+                                         : static_cast<CContainerDataReference*>(sample->GetDataReference())
+                                               ->GetPosition();
+        };
+        const int64_t unitBytes = read(0) == 0 ? read(INT64_MAX) : -1;
+        EXPECT_EQ(read(FaultInjection::AllocationCount()), RESULT_OUT_OF_MEMORY);
+        EXPECT_EQ(read(0), 2 * unitBytes) << "the unit whose sample failed comes next";
+    }
+#endif
+}
+
 TEST(RawAudioReaders, SurviveEveryAllocationFailure)
 {
     VEK_REQUIRE_FAULT_INJECTION();

@@ -191,6 +191,21 @@ int CAudioFrameFileReader::RewindForReading()
     return result;
 }
 
+int CAudioFrameFileReader::BuildSample(const AudioFrame& unit, RObject<CAudioSample>& made)
+{
+    made = RObject<CAudioSample>(CAudioSample::Create());
+    RObject<CContainerDataReference> range(new (fallible) CContainerDataReference(unit.offset, unit.bytes));
+    if (!made || !range)
+        return RESULT_OUT_OF_MEMORY;
+    made->SetPackets(1);
+    made->SetFrames(unit.frames);
+    made->SetTime(m_time);
+    int result = made->SetDataReference(range);
+    if (result >= 0)
+        result = MarkSample(made, m_unitsRead);
+    return result;
+}
+
 int CAudioFrameFileReader::ReadAudioSample(int32_t track, CAudioSample*& sample)
 {
     sample = nullptr;
@@ -206,18 +221,14 @@ int CAudioFrameFileReader::ReadAudioSample(int32_t track, CAudioSample*& sample)
         m_unitsRead = m_totals.units;
         return result;
     }
-    const int64_t index = m_unitsRead++;
-    const int64_t time = m_time;
-    m_time += unit.frames;
-    RObject<CAudioSample> made(CAudioSample::Create());
-    RObject<CContainerDataReference> range(new (fallible) CContainerDataReference(unit.offset, unit.bytes));
-    if (!made || !range)
-        return RESULT_OUT_OF_MEMORY;
-    made->SetPackets(1);
-    made->SetFrames(unit.frames);
-    made->SetTime(time);
-    if ((result = made->SetDataReference(range)) < 0 || (result = MarkSample(made, index)) < 0)
+    RObject<CAudioSample> made;
+    if ((result = BuildSample(unit, made)) < 0) {
+        // Nothing was handed out: the next call cuts the same unit again.
+        m_scanner.Seek(unit.offset);
         return result;
+    }
+    ++m_unitsRead;
+    m_time += unit.frames;
     sample = made.Detach();
     return RESULT_OK;
 }

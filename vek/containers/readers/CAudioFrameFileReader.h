@@ -42,7 +42,8 @@ public:
 
     int Validate(CStream* stream) override;
     // The next access unit; 0 with a null sample at the end, -19007 for a
-    // track other than 0.
+    // track other than 0. After a failure to make the sample (-19002) the
+    // next call hands out the same unit.
     int ReadAudioSample(int32_t track, CAudioSample*& sample) override;
 
 protected:
@@ -84,6 +85,8 @@ private:
     int CountChain(AudioFrameScanner& scanner, int64_t offset, int32_t& frames, bool& reachesEnd);
     int IndexFrames(Totals& totals);
     int RewindForReading();
+    // The sample of `unit`, number m_unitsRead at m_time.
+    int BuildSample(const AudioFrame& unit, RObject<CAudioSample>& made);
 
     AudioFrameScanner m_scanner;
     Totals m_totals;

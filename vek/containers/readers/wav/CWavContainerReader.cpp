@@ -306,13 +306,18 @@ int CWavContainerReader::ReadMpegAudioSample(CAudioSample*& sample)
         m_mpegFrames.Lock(frame.family);
     RObject<CAudioSample> made(CAudioSample::Create());
     RObject<CContainerDataReference> range(new (fallible) CContainerDataReference(frame.offset, frame.bytes));
-    if (!made || !range)
-        return RESULT_OUT_OF_MEMORY;
-    made->SetPackets(1);
-    made->SetFrames(frame.frames);
-    made->SetTime(m_mpegTime);
-    if ((result = made->SetDataReference(range)) < 0)
+    result = made && range ? RESULT_OK : RESULT_OUT_OF_MEMORY;
+    if (result >= 0) {
+        made->SetPackets(1);
+        made->SetFrames(frame.frames);
+        made->SetTime(m_mpegTime);
+        result = made->SetDataReference(range);
+    }
+    if (result < 0) {
+        // Nothing was handed out: the next call cuts the same frame again.
+        m_mpegFrames.Seek(frame.offset);
         return result;
+    }
     m_mpegTime += frame.frames;
     sample = made.Detach();
     return RESULT_OK;
