@@ -72,7 +72,7 @@ TEST(AacHeaders, AdtsFramesAndConfigurationsMatchFfmpeg)
         AdtsHeader first;
         for (size_t at = 0; at < adts.size(); ++frames) {
             AdtsHeader h;
-            ASSERT_EQ(AdtsHeader::Parse(BytesOf(adts) + at, adts.size() - at, h), 0) << "frame " << frames;
+            ASSERT_EQ(AdtsHeader::Parse(DataOf(adts) + at, adts.size() - at, h), 0) << "frame " << frames;
             if (frames == 0)
                 first = h;
             ASSERT_LT(frames, packetSizes.size());

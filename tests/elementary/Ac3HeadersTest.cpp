@@ -48,7 +48,7 @@ TEST(Ac3Headers, SyncFramesAndDecoderConfigurationsMatchFfmpeg)
         size_t frames = 0;
         for (size_t at = 0; at < stream.size(); ++frames) {
             Ac3SyncFrame f;
-            ASSERT_EQ(Ac3SyncFrame::Parse(BytesOf(stream) + at, stream.size() - at, f), 0) << "frame " << frames;
+            ASSERT_EQ(Ac3SyncFrame::Parse(DataOf(stream) + at, stream.size() - at, f), 0) << "frame " << frames;
             if (frames == 0)
                 first = f;
             ASSERT_LT(frames, packetSizes.size());

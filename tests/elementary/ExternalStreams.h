@@ -103,7 +103,7 @@ inline std::string JsonValue(const std::string& json, const std::string& key)
     return values.empty() ? std::string() : values.front();
 }
 
-inline const uint8_t* BytesOf(const std::string& s)
+inline const uint8_t* DataOf(const std::string& s)
 {
     return reinterpret_cast<const uint8_t*>(s.data());
 }
@@ -124,7 +124,7 @@ inline std::string BoxPayload(const std::string& file, const char* type)
     const size_t at = file.find(type);
     if (at == std::string::npos || at < 4)
         return {};
-    const uint8_t* p = BytesOf(file) + at - 4;
+    const uint8_t* p = DataOf(file) + at - 4;
     const uint32_t size = uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
     if (size < 8 || size - 8 > file.size() - at - 4)
         return {};

@@ -33,7 +33,7 @@ struct ParsedStream {
 // before the last reference.
 void ParseStream(const std::string& bytes, ParsedStream& out)
 {
-    const uint8_t* data = BytesOf(bytes);
+    const uint8_t* data = DataOf(bytes);
     int64_t timeBase = 0, lastTimeBase = 0;
     for (size_t at = FindMpegStartCode(data, bytes.size(), 0); at + 4 <= bytes.size();) {
         const size_t next = FindMpegStartCode(data, bytes.size(), at + 4);

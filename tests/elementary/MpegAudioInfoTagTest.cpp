@@ -45,7 +45,7 @@ TEST(MpegAudioInfoTag, LameTagsMatchFfmpegsTrimAndCounts)
         const std::string probe = Probe(dir.File("a.mp3"), "-show_streams -show_packets");
 
         MpegAudioInfoTag tag;
-        ASSERT_EQ(MpegAudioInfoTag::Parse(BytesOf(mp3), mp3.size(), tag), 0);
+        ASSERT_EQ(MpegAudioInfoTag::Parse(DataOf(mp3), mp3.size(), tag), 0);
         EXPECT_EQ(tag.kind, c.kind);
         EXPECT_EQ(tag.frame.version, c.version);
         EXPECT_EQ(std::to_string(tag.frame.sampleRate), JsonValue(probe, "sample_rate"));
@@ -80,7 +80,7 @@ TEST(MpegAudioInfoTag, AnOrdinaryFirstFrameHasNoTag)
         Encode(dir, "sine=f=440:d=0.5", "-c:a libmp3lame -id3v2_version 0 -write_xing 0", "plain.mp3");
     ASSERT_FALSE(mp3.empty());
     MpegAudioInfoTag tag;
-    EXPECT_EQ(MpegAudioInfoTag::Parse(BytesOf(mp3), mp3.size(), tag), 1);
+    EXPECT_EQ(MpegAudioInfoTag::Parse(DataOf(mp3), mp3.size(), tag), 1);
 }
 
 // A 417-byte MPEG-1 layer III frame (128 kbit/s, 44.1 kHz, stereo) with a
@@ -101,7 +101,7 @@ TEST(MpegAudioInfoTag, VbriTagsKeepTheirTableInTheFrame)
 {
     const std::string frame = VbriFrame(4, 2);
     MpegAudioInfoTag tag;
-    ASSERT_EQ(MpegAudioInfoTag::Parse(BytesOf(frame), frame.size(), tag), 0);
+    ASSERT_EQ(MpegAudioInfoTag::Parse(DataOf(frame), frame.size(), tag), 0);
     EXPECT_EQ(tag.kind, MpegAudioInfoTag::Vbri);
     EXPECT_EQ(tag.vbriDelay, 0x240);
     EXPECT_EQ(tag.quality, 75u);
@@ -143,7 +143,7 @@ TEST(MpegAudioInfoTag, HostileTagsAreRefusedWithALogLine)
         SCOPED_TRACE(c.name);
         LogCapture log(1);
         MpegAudioInfoTag tag;
-        EXPECT_EQ(MpegAudioInfoTag::Parse(BytesOf(c.bytes), c.bytes.size(), tag), RESULT_FORMAT_ERROR);
+        EXPECT_EQ(MpegAudioInfoTag::Parse(DataOf(c.bytes), c.bytes.size(), tag), RESULT_FORMAT_ERROR);
         EXPECT_GE(log.Count(c.logText), 1u) << log.Text();
     }
     MpegAudioInfoTag tag;

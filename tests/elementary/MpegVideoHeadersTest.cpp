@@ -32,7 +32,7 @@ struct ParsedStream {
 // Walks every start code as a reader would; fails the test on any refusal.
 void ParseStream(const std::string& bytes, ParsedStream& out)
 {
-    const uint8_t* data = BytesOf(bytes);
+    const uint8_t* data = DataOf(bytes);
     bool sawSequence = false;
     for (size_t at = FindMpegStartCode(data, bytes.size(), 0); at + 4 <= bytes.size();) {
         const size_t next = FindMpegStartCode(data, bytes.size(), at + 4);
