@@ -1,5 +1,6 @@
 #include "AudioReaderHarness.h"
 
+#include "RawAudioFrames.h"
 #include "support/LogCapture.h"
 
 using namespace Quorvex::Vek;
@@ -13,7 +14,10 @@ void RegisterAudioReaders()
     static const bool registered = [] {
         return ContainerReaderInventory::AddWavContainerReader("tests") == RESULT_OK &&
                ContainerReaderInventory::AddWav64ContainerReader("tests") == RESULT_OK &&
-               ContainerReaderInventory::AddAiffContainerReader(nullptr) == RESULT_OK;
+               ContainerReaderInventory::AddAiffContainerReader(nullptr) == RESULT_OK &&
+               ContainerReaderInventory::AddAacContainerReader("tests") == RESULT_OK &&
+               ContainerReaderInventory::AddAc3ContainerReader("tests") == RESULT_OK &&
+               ContainerReaderInventory::AddMpegAudioContainerReader("tests") == RESULT_OK;
     }();
     ASSERT_TRUE(registered);
 }
@@ -30,6 +34,8 @@ TEST(ContainerReaderInventory, ProbingChoosesTheReaderOfEachAudioFormat)
     const Bytes pcm = Pattern(40);
     const Bytes fmt = WaveFormat(1, 1, 8000, 16);
     const Bytes comm = AiffCommon(1, 20, 16, 8000);
+    ByteWriter mpegFormat;
+    mpegFormat.U16(0x55).U16(2).U32(44100).U32(16000).U16(1).U16(0);
     const std::pair<Bytes, uint32_t> cases[] = {
         {Riff({{"fmt ", fmt}, {"data", pcm}}), CWavContainerReader::Type},
         {Riff({{"fmt ", fmt}, {"data", pcm}}, "RF64"), CWavContainerReader::Type},
@@ -39,6 +45,12 @@ TEST(ContainerReaderInventory, ProbingChoosesTheReaderOfEachAudioFormat)
         {Riff({{"fmt ", fmt}}, "RIFF", "AVI "), 0},
         {Bytes{'R', 'I', 'F'}, 0},
         {Bytes(64, 0), 0},
+        {Repeat(AdtsFrame(3, 2, 100), 4), CAacContainerReader::Type},
+        {Repeat(Ac3Frame(), 4), CAc3ContainerReader::Type},
+        {Concat({Id3v2Tag(20, 20), Repeat(Mp3Frame(), 4)}), CMpegAudioContainerReader::Type},
+        // Frames inside a container belong to the container's reader.
+        {Riff({{"fmt ", mpegFormat.Get()}, {"data", Repeat(Mp3Frame(), 6)}}), CWavContainerReader::Type},
+        {Riff({{"fmt ", mpegFormat.Get()}, {"data", Repeat(AdtsFrame(3, 2, 100), 6)}}), CWavContainerReader::Type},
     };
     for (const auto& [file, type] : cases) {
         RObject<CContainerReader> reader(Probe(file));

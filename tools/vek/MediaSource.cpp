@@ -24,6 +24,9 @@ void RegisterReaders()
         ContainerReaderInventory::AddMpegHevcContainerReader("vek");
         ContainerReaderInventory::AddMpeg1VideoContainerReader("vek");
         ContainerReaderInventory::AddMpeg2VideoContainerReader("vek");
+        ContainerReaderInventory::AddAacContainerReader("vek");
+        ContainerReaderInventory::AddAc3ContainerReader("vek");
+        ContainerReaderInventory::AddMpegAudioContainerReader("vek");
         return true;
     }();
     (void)registered;

@@ -2,12 +2,15 @@
 
 #include <vek/components/CInstanceFactory.h>
 #include <vek/containers/CContainerReaderInventory.h>
+#include <vek/containers/readers/aac/CAacContainerReader.h>
+#include <vek/containers/readers/ac3/CAc3ContainerReader.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
 #include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
 #include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 #include <vek/containers/readers/mpegvideo/CMpeg1VideoContainerReader.h>
 #include <vek/containers/readers/mpegvideo/CMpeg2VideoContainerReader.h>
+#include <vek/containers/readers/mpegaudio/CMpegAudioContainerReader.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav64/CWav64ContainerReader.h>
 #include <vek/core/CString.h>
@@ -108,6 +111,21 @@ int ContainerReaderInventory::AddMpeg1VideoContainerReader(const char* label)
 int ContainerReaderInventory::AddMpeg2VideoContainerReader(const char* label)
 {
     return AddReader<CMpeg2VideoContainerReader>(ContainerFormat::MPEG2_VIDEO, label);
+}
+
+int ContainerReaderInventory::AddAacContainerReader(const char* label)
+{
+    return AddReader<CAacContainerReader>(ContainerFormat::AAC, label);
+}
+
+int ContainerReaderInventory::AddAc3ContainerReader(const char* label)
+{
+    return AddReader<CAc3ContainerReader>(ContainerFormat::AC3, label);
+}
+
+int ContainerReaderInventory::AddMpegAudioContainerReader(const char* label)
+{
+    return AddReader<CMpegAudioContainerReader>(ContainerFormat::MPEG_AUDIO, label);
 }
 
 } // namespace Quorvex::Vek

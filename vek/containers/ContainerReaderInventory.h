@@ -36,6 +36,12 @@ public:
     static int AddMpeg1VideoContainerReader(const char* label);
     // Raw MPEG-2 video streams (ContainerFormat::MPEG2_VIDEO).
     static int AddMpeg2VideoContainerReader(const char* label);
+    // Raw AAC in ADTS framing (ContainerFormat::AAC).
+    static int AddAacContainerReader(const char* label);
+    // Raw AC-3 and E-AC-3 (ContainerFormat::AC3).
+    static int AddAc3ContainerReader(const char* label);
+    // Raw MPEG audio, layers I-III (ContainerFormat::MPEG_AUDIO).
+    static int AddMpegAudioContainerReader(const char* label);
 };
 
 } // namespace Quorvex::Vek

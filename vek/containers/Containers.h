@@ -17,7 +17,15 @@
 #include <vek/containers/ContainerReaderInventory.h>
 #include <vek/containers/Indexer.h>
 #include <vek/containers/IndexerTraverser.h>
+#include <vek/containers/readers/AudioFileTags.h>
+#include <vek/containers/readers/AudioFrameScanner.h>
+#include <vek/containers/readers/AudioTrackFacts.h>
 #include <vek/containers/readers/CAudioFileReader.h>
+#include <vek/containers/readers/CAudioFrameFileReader.h>
+#include <vek/containers/readers/aac/AdtsFrameSyntax.h>
+#include <vek/containers/readers/aac/CAacContainerReader.h>
+#include <vek/containers/readers/ac3/Ac3FrameSyntax.h>
+#include <vek/containers/readers/ac3/CAc3ContainerReader.h>
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
 #include <vek/containers/readers/elementary/CVideoStreamReader.h>
 #include <vek/containers/readers/elementary/CodedPicture.h>
@@ -30,6 +38,8 @@
 #include <vek/containers/readers/mpegvideo/CMpeg1VideoContainerReader.h>
 #include <vek/containers/readers/mpegvideo/CMpeg2VideoContainerReader.h>
 #include <vek/containers/readers/mpegvideo/CMpegVideoStreamReader.h>
+#include <vek/containers/readers/mpegaudio/CMpegAudioContainerReader.h>
+#include <vek/containers/readers/mpegaudio/MpegAudioFrameSyntax.h>
 #include <vek/containers/readers/wav/BroadcastAudioExtension.h>
 #include <vek/containers/readers/wav/CWavContainerReader.h>
 #include <vek/containers/readers/wav/WaveFormatRecord.h>

@@ -7,6 +7,7 @@ const char* const AudioProperty::MpegLayer = "mpga.layer";
 const char* const AudioProperty::Mpeg2AudioType = "mpeg2.audio_type";
 const char* const AudioProperty::Mpeg4ObjectType = "mp4a.object_type";
 const char* const AudioProperty::Mpeg4Transport = "mp4a.transport";
+const char* const AudioProperty::DecoderConfiguration = "decoder_configuration";
 const char* const AudioProperty::WavLoudnessValue = "wav.bext.loudness_value";
 const char* const AudioProperty::WavLoudnessRange = "wav.bext.loudness_range";
 const char* const AudioProperty::WavMaxTruePeakLevel = "wav.bext.max_true_peak_level";
@@ -23,6 +24,7 @@ PropertyKeyList AudioProperty::GetKeys()
         {"Mpeg2AudioType", AudioProperty::Mpeg2AudioType},
         {"Mpeg4ObjectType", AudioProperty::Mpeg4ObjectType},
         {"Mpeg4Transport", AudioProperty::Mpeg4Transport},
+        {"DecoderConfiguration", AudioProperty::DecoderConfiguration},
         {"WavLoudnessValue", AudioProperty::WavLoudnessValue},
         {"WavLoudnessRange", AudioProperty::WavLoudnessRange},
         {"WavMaxTruePeakLevel", AudioProperty::WavMaxTruePeakLevel},

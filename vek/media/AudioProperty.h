@@ -15,6 +15,9 @@ public:
     static const char* const Mpeg2AudioType; // "mpeg2.audio_type"
     static const char* const Mpeg4ObjectType; // "mp4a.object_type"
     static const char* const Mpeg4Transport; // "mp4a.transport"
+    // The codec's configuration as an MP4 sample entry carries it: the
+    // AudioSpecificConfig of AAC, the 'dac3' / 'dec3' payload of AC-3 / E-AC-3.
+    static const char* const DecoderConfiguration; // "decoder_configuration"
     static const char* const WavLoudnessValue; // "wav.bext.loudness_value"
     static const char* const WavLoudnessRange; // "wav.bext.loudness_range"
     static const char* const WavMaxTruePeakLevel; // "wav.bext.max_true_peak_level"

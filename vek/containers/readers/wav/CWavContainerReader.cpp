@@ -32,11 +32,6 @@ constexpr uint32_t MextBytes = 12;
 // The data sizes a writer that could not seek back leaves in place.
 constexpr uint32_t UnknownSize = 0xFFFFFFFF;
 
-// MPEG frame search: bytes read at a time, and how far one call may look
-// past garbage before it gives up on the stream.
-constexpr int32_t WindowBytes = 4096;
-constexpr int64_t MaxResyncBytes = 256 * 1024;
-
 } // namespace
 
 struct CWavContainerReader::Walk {
@@ -52,7 +47,10 @@ struct CWavContainerReader::Walk {
 
 CWavContainerReader::CWavContainerReader() : CWavContainerReader(0) {}
 
-CWavContainerReader::CWavContainerReader(unsigned int flags) : CAudioFileReader(Type, flags) {}
+CWavContainerReader::CWavContainerReader(unsigned int flags)
+    : CAudioFileReader(Type, flags), m_mpegFrames("CWavContainerReader::ReadMpegAudioSample")
+{
+}
 
 CWavContainerReader::~CWavContainerReader() = default;
 
@@ -91,9 +89,9 @@ int CWavContainerReader::IndexHeader()
     if ((result = walk.format.Describe(Owner, true, GetAudio())) < 0 || (result = LayOutSoundData(walk, data)) < 0)
         return result;
     m_mpeg = GetAudio()->GetFormat() == AudioFormat::MPEG;
-    m_mpegOffset = 0;
     m_mpegTime = 0;
-    m_mpegLocked = false;
+    if (m_mpeg && (result = m_mpegFrames.Reset(GetStream(), data.start, data.start + data.size)) < 0)
+        return result;
     return CommitTrack(data);
 }
 
@@ -297,96 +295,32 @@ int CWavContainerReader::ReadPcmAudioSample(CAudioSample*& sample)
 int CWavContainerReader::ReadMpegAudioSample(CAudioSample*& sample)
 {
     sample = nullptr;
-    const SoundData& data = GetSoundData();
-    int64_t offset = m_mpegOffset;
-    MpegAudioFrameHeader header;
-    int result = FindFrame(offset, header);
+    AudioFrame frame;
+    const bool first = m_mpegFrames.GetPosition() == GetSoundData().start;
+    int result = m_mpegFrames.Next(m_mpegSyntax, frame);
     if (result == RESULT_ERROR)
-        m_mpegOffset = data.size; // the stream is lost: end it here
-    if (result < 0 || offset >= data.size)
+        m_mpegFrames.Seek(m_mpegFrames.GetEnd()); // the stream is lost: end it here
+    if (result < 0 || frame.bytes == 0)
         return result;
-    if (header.frameBytes > data.size - offset) {
-        Log(LogLevel::Warning,
-            "CWavContainerReader::ReadMpegAudioSample: the frame at %lld needs %d bytes; the data ends after %lld; "
-            "dropped\n",
-            static_cast<long long>(data.start + offset), int(header.frameBytes),
-            static_cast<long long>(data.size - offset));
-        m_mpegOffset = data.size;
-        return RESULT_OK;
-    }
+    if (first)
+        m_mpegFrames.Lock(frame.family);
     RObject<CAudioSample> made(CAudioSample::Create());
-    RObject<CContainerDataReference> range(new (fallible) CContainerDataReference(data.start + offset, header.frameBytes));
-    if (!made || !range)
-        return RESULT_OUT_OF_MEMORY;
-    made->SetPackets(1);
-    made->SetFrames(header.samplesPerFrame);
-    made->SetTime(m_mpegTime);
-    if ((result = made->SetDataReference(range)) < 0)
-        return result;
-    m_mpegOffset = offset + header.frameBytes;
-    m_mpegTime += header.samplesPerFrame;
-    if (!m_mpegLocked) {
-        m_mpegStream = header;
-        m_mpegLocked = true;
+    RObject<CContainerDataReference> range(new (fallible) CContainerDataReference(frame.offset, frame.bytes));
+    result = made && range ? RESULT_OK : RESULT_OUT_OF_MEMORY;
+    if (result >= 0) {
+        made->SetPackets(1);
+        made->SetFrames(frame.frames);
+        made->SetTime(m_mpegTime);
+        result = made->SetDataReference(range);
     }
+    if (result < 0) {
+        // Nothing was handed out: the next call cuts the same frame again.
+        m_mpegFrames.Seek(frame.offset);
+        return result;
+    }
+    m_mpegTime += frame.frames;
     sample = made.Detach();
     return RESULT_OK;
-}
-
-int CWavContainerReader::ReadAt(int64_t offset, int32_t count, CByteArray*& window)
-{
-    RObject<CByteArray>& buffer = count == int32_t(MpegAudioFrameHeader::Size) ? m_header : m_window;
-    if (!buffer || buffer->GetLength() != count) {
-        buffer = RObject<CByteArray>(CByteArray::Create(nullptr, count));
-        if (!buffer)
-            return RESULT_OUT_OF_MEMORY;
-    }
-    window = buffer;
-    return ReadData(GetStream(), GetSoundData().start + offset, buffer);
-}
-
-int CWavContainerReader::FindFrame(int64_t& offset, MpegAudioFrameHeader& header)
-{
-    const int64_t size = GetSoundData().size;
-    const int64_t start = offset;
-    const auto accept = [&](const unsigned char* bytes) {
-        return MpegAudioFrameHeader::Parse(bytes, header) && (!m_mpegLocked || header.IsSameStreamAs(m_mpegStream));
-    };
-    const int32_t headerBytes = int32_t(MpegAudioFrameHeader::Size);
-    CByteArray* bytes = nullptr;
-    int result = RESULT_OK;
-    // Frames normally follow each other: look where the last one ended first.
-    if (size - offset < headerBytes) {
-        offset = size;
-        return RESULT_OK;
-    }
-    if ((result = ReadAt(offset, headerBytes, bytes)) < 0 || accept(bytes->GetData()))
-        return result;
-    while (size - offset >= headerBytes && offset - start < MaxResyncBytes) {
-        const int32_t count = int32_t(std::min<int64_t>(size - offset, WindowBytes));
-        if ((result = ReadAt(offset, count, bytes)) < 0)
-            return result;
-        for (int32_t i = 0; i + headerBytes <= count; ++i) {
-            if (accept(bytes->GetData() + i)) {
-                offset += i;
-                Log(LogLevel::Warning,
-                    "CWavContainerReader::ReadMpegAudioSample: skipped %lld bytes without a frame header at %lld\n",
-                    static_cast<long long>(offset - start), static_cast<long long>(GetSoundData().start + start));
-                return RESULT_OK;
-            }
-        }
-        // Keep the last three bytes: a header may begin among them.
-        offset += count - (headerBytes - 1);
-    }
-    if (size - offset < headerBytes) {
-        Log(LogLevel::Warning, "CWavContainerReader::ReadMpegAudioSample: %lld trailing bytes hold no frame\n",
-            static_cast<long long>(size - start));
-        offset = size;
-        return RESULT_OK;
-    }
-    Log(LogLevel::Error, "CWavContainerReader::ReadMpegAudioSample: no frame header in %lld bytes from %lld\n",
-        static_cast<long long>(offset - start), static_cast<long long>(GetSoundData().start + start));
-    return RESULT_ERROR;
 }
 
 } // namespace Quorvex::Vek

@@ -17,7 +17,8 @@
 // or the 0 / 0xFFFFFFFF size a streaming writer leaves behind) is read as
 // far as the file holds whole frames, with a level-2 log line.
 #include <vek/containers/readers/CAudioFileReader.h>
-#include <vek/elementary/MpegAudioFrameHeader.h>
+#include <vek/containers/readers/AudioFrameScanner.h>
+#include <vek/containers/readers/mpegaudio/MpegAudioFrameSyntax.h>
 #include <vek/io/CBinaryReader.h>
 
 namespace Quorvex::Vek {
@@ -58,17 +59,10 @@ private:
     int ReadDataSize64(CBinaryReader& reader, uint32_t size, Walk& walk);
     int LayOutSoundData(const Walk& walk, SoundData& data);
 
-    // MPEG frame cutting.
-    int ReadAt(int64_t offset, int32_t count, CByteArray*& window);
-    int FindFrame(int64_t& offset, MpegAudioFrameHeader& header);
-
     bool m_mpeg = false;
-    int64_t m_mpegOffset = 0; // bytes into the sound data
     int64_t m_mpegTime = 0; // frames handed out
-    bool m_mpegLocked = false; // m_mpegStream is known
-    MpegAudioFrameHeader m_mpegStream; // version, layer and rate of the first frame
-    RObject<CByteArray> m_header; // the four bytes at the expected frame start
-    RObject<CByteArray> m_window; // the resynchronisation window
+    MpegAudioFrameSyntax m_mpegSyntax;
+    AudioFrameScanner m_mpegFrames; // over the sound data; locked on the first frame
 };
 
 } // namespace Quorvex::Vek

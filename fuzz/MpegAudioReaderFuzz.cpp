@@ -1,0 +1,7 @@
+// CMpegAudioContainerReader over arbitrary bytes: see AudioReaderFuzz.h.
+#include "AudioReaderFuzz.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    return VekFuzz::RunAudioReader<Quorvex::Vek::CMpegAudioContainerReader>(data, size);
+}
