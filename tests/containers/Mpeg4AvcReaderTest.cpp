@@ -219,7 +219,9 @@ TEST_P(Mpeg4AvcStream, MatchesFfprobe)
     EXPECT_EQ(std::to_string(video->GetWidth()), probed("width"));
     EXPECT_EQ(std::to_string(video->GetHeight()), probed("height"));
     EXPECT_EQ(PropertyText(video, VideoStreamFacts::ProfileKey), probed("profile"));
-    EXPECT_EQ(PropertyText(video, VideoProperty::H264Profile), probed("profile"));
+    unsigned char levelIdc = 0;
+    ASSERT_EQ(video->GetProperty(VideoProperty::H264Level, 1, &levelIdc), 1);
+    EXPECT_EQ(std::to_string(levelIdc), probed("level"));
     std::string level = PropertyText(video, VideoStreamFacts::LevelKey);
     level.erase(std::remove(level.begin(), level.end(), '.'), level.end());
     EXPECT_EQ(std::to_string(std::stoi(level)), probed("level"));

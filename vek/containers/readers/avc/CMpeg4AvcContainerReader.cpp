@@ -254,8 +254,10 @@ int CMpeg4AvcContainerReader::DescribeStream(const FirstPicture& first, VideoStr
     facts.profile = ProfileName(sps);
     LevelText(sps, facts.level);
     facts.scan = ScanText(sps);
-    facts.profileKey = VideoProperty::H264Profile;
-    facts.levelKey = VideoProperty::H264Level;
+    facts.profileCodeKey = VideoProperty::H264Profile;
+    facts.profileCode = sps.profileIdc;
+    facts.levelCodeKey = VideoProperty::H264Level;
+    facts.levelCode = sps.levelIdc;
     Log(LogLevel::Detail, "%s: %s profile level %s, %dx%d (coded %dx%d), %s, first picture at %lld\n", Name,
         facts.profile, facts.level, facts.width, facts.height, facts.codedWidth, facts.codedHeight, facts.scan,
         static_cast<long long>(first.unit.position));

@@ -97,7 +97,8 @@ int VideoStreamFacts::Apply(CVideoProperties* video) const
         (result = video->SetProperty(FullRangeKey, 1, &range)) < 0 ||
         (result = SetText(video, ProfileKey, profile)) < 0 || (result = SetText(video, LevelKey, level)) < 0 ||
         (result = SetText(video, TierKey, tier)) < 0 || (result = SetText(video, ScanKey, scan)) < 0 ||
-        (result = SetText(video, profileKey, profile)) < 0 || (result = SetText(video, levelKey, level)) < 0)
+        (result = profileCodeKey ? video->SetProperty(profileCodeKey, 1, &profileCode) : RESULT_OK) < 0 ||
+        (result = levelCodeKey ? video->SetProperty(levelCodeKey, 1, &levelCode) : RESULT_OK) < 0)
         return result;
     if (decoderConfiguration)
         return video->SetProperty(DecoderConfigurationKey, decoderConfiguration);

@@ -63,10 +63,12 @@ struct VEK_API VideoStreamFacts {
     char level[8] = {};
     const char* tier = nullptr;
     const char* scan = nullptr;
-    // Codec-specific keys (e.g. "h264.profile") that repeat the profile
-    // and level texts; null for none.
-    const char* profileKey = nullptr;
-    const char* levelKey = nullptr;
+    // Codec keys that hold the profile and level codes as one byte each
+    // ("h264.profile" = profile_idc, "h264.level" = level_idc); null for none.
+    const char* profileCodeKey = nullptr;
+    uint8_t profileCode = 0;
+    const char* levelCodeKey = nullptr;
+    uint8_t levelCode = 0;
     RObject<CByteArray> decoderConfiguration;
 
     // Writes the facts onto `video`. 0, -19004 for null, or the failure of
