@@ -18,7 +18,7 @@
 // second when it states none, or the reader setting
 // VideoStreamFacts::FrameRateSettingKey); its description carries the
 // cropped size, aspect ratio, colour, field order, profile and level texts
-// (also under "h264.profile" and "h264.level"), the declared reorder depth
+// (and profile_idc, level_idc under "h264.profile", "h264.level"), the declared reorder depth
 // (max_num_reorder_frames, when the sets state it) and an 'avcC' decoder
 // configuration made from the first picture's sets.
 #include <vek/containers/readers/elementary/CVideoStreamReader.h>
