@@ -19,6 +19,8 @@ void RegisterReaders()
         ContainerReaderInventory::AddWavContainerReader("vek");
         ContainerReaderInventory::AddWav64ContainerReader("vek");
         ContainerReaderInventory::AddAiffContainerReader("vek");
+        ContainerReaderInventory::AddMovContainerReader("vek");
+        ContainerReaderInventory::AddMpeg4ContainerReader("vek");
         ContainerReaderInventory::AddMpeg4VideoContainerReader("vek");
         ContainerReaderInventory::AddMpeg4AvcContainerReader("vek");
         ContainerReaderInventory::AddMpegHevcContainerReader("vek");

@@ -7,6 +7,8 @@
 #include <vek/containers/readers/aiff/CAiffContainerReader.h>
 #include <vek/containers/readers/mpeg4video/CMpeg4VideoContainerReader.h>
 #include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
+#include <vek/containers/readers/mov/CMovContainerReader.h>
+#include <vek/containers/readers/mov/CMpeg4ContainerReader.h>
 #include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 #include <vek/containers/readers/mpegvideo/CMpeg1VideoContainerReader.h>
 #include <vek/containers/readers/mpegvideo/CMpeg2VideoContainerReader.h>
@@ -86,6 +88,16 @@ int ContainerReaderInventory::AddWav64ContainerReader(const char* label)
 int ContainerReaderInventory::AddAiffContainerReader(const char* label)
 {
     return AddReader<CAiffContainerReader>(ContainerFormat::AIFF, label);
+}
+
+int ContainerReaderInventory::AddMovContainerReader(const char* label)
+{
+    return AddReader<CMovContainerReader>(ContainerFormat::MOV, label);
+}
+
+int ContainerReaderInventory::AddMpeg4ContainerReader(const char* label)
+{
+    return AddReader<CMpeg4ContainerReader>(ContainerFormat::MPEG4, label);
 }
 
 int ContainerReaderInventory::AddMpeg4VideoContainerReader(const char* label)

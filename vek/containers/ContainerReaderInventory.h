@@ -26,6 +26,10 @@ public:
     static int AddWav64ContainerReader(const char* label);
     // AIFF (ContainerFormat::AIFF).
     static int AddAiffContainerReader(const char* label);
+    // QuickTime movies (ContainerFormat::MOV).
+    static int AddMovContainerReader(const char* label);
+    // ISO media files: MP4, M4A, 3GP, fragmented MP4 (ContainerFormat::MPEG4).
+    static int AddMpeg4ContainerReader(const char* label);
     // Raw MPEG-4 visual streams, .m4v (ContainerFormat::Video).
     static int AddMpeg4VideoContainerReader(const char* label);
     // Raw H.264 streams with start codes (ContainerFormat::MPEG4_AVC).
