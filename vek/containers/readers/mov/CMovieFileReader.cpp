@@ -876,6 +876,18 @@ int CMovieFileReader::CutPcmSample(MovTrack& track, CAudioSample*& sample)
     if (!Checked::Multiply(int64_t(track.pcmTaken), int64_t(bytesPerFrame), &position) ||
         !Checked::Add(position, chunk.position, &position))
         return RESULT_FORMAT_ERROR;
+    // The table cannot know PCM frame sizes; a chunk cut short by the end
+    // of the file gives the whole frames that are there.
+    const int64_t inFile = position < m_fileSize ? (m_fileSize - position) / bytesPerFrame : 0;
+    if (inFile < count) {
+        Log(LogLevel::Warning, "%s: PCM chunk %u of track %u ends past the end of the file\n", GetFormatName(),
+            track.pcmChunk, track.trackId);
+        if (inFile == 0) {
+            track.pcmChunk = track.table.GetChunkCount();
+            return RESULT_OK;
+        }
+        count = inFile;
+    }
     MovSample first;
     if (track.cursor.Seek(chunk.firstSample + track.pcmTaken) < 0 || track.cursor.Next(first) != RESULT_OK)
         return RESULT_OK;

@@ -1,0 +1,104 @@
+#pragma once
+
+// Reads every track of a QuickTime or MP4 file the way a host does and
+// sets the samples beside ffprobe's packets of the same stream: decode and
+// presentation time, duration, size, position, key flag, and ffprobe's
+// discard flag beside the Exclude hint.
+#include "AudioReaderHarness.h"
+#include "elementary/ExternalStreams.h"
+
+#include <sstream>
+
+namespace VekTest {
+
+struct TrackPacket {
+    int64_t dts = 0;
+    int64_t pts = 0;
+    int64_t duration = 0;
+    int64_t position = 0;
+    int64_t size = 0;
+    bool key = false;
+    bool discard = false;
+};
+
+enum class TrackKind { Video, Audio, Subtitle };
+
+// ffprobe's packets of one stream ("v:0", "a:1" ...), in decode order.
+inline std::vector<TrackPacket> ProbeTrackPackets(const std::string& path, const std::string& stream)
+{
+    std::vector<TrackPacket> packets;
+    const std::string csv = RunCommand("ffprobe -v error -select_streams " + stream +
+                                       " -show_entries packet=pts,dts,duration,size,pos,flags -of csv=p=0 '" + path +
+                                       "'")
+                                .value_or("");
+    std::istringstream lines(csv);
+    std::string line;
+    while (std::getline(lines, line)) {
+        TrackPacket packet;
+        long long pts = 0, dts = 0, duration = 0, size = 0, position = 0;
+        char flags[8] = {};
+        if (std::sscanf(line.c_str(), "%lld,%lld,%lld,%lld,%lld,%7[^,\n]", &pts, &dts, &duration, &size, &position,
+                        flags) != 6)
+            continue;
+        packet = {dts, pts, duration, position, size, flags[0] == 'K', std::strchr(flags, 'D') != nullptr};
+        packets.push_back(packet);
+    }
+    return packets;
+}
+
+// Every sample of one track to the end, with its bytes fetched.
+inline std::vector<TrackPacket> ReadTrackPackets(Quorvex::Vek::CContainerReader* reader, TrackKind kind,
+                                                 int32_t track, int* last = nullptr)
+{
+    using namespace Quorvex::Vek;
+    std::vector<TrackPacket> packets;
+    for (;;) {
+        CMediaSample* raw = nullptr;
+        int result = RESULT_OK;
+        if (kind == TrackKind::Video) {
+            CVideoSample* video = nullptr;
+            result = reader->ReadVideoSample(track, video);
+            raw = video;
+        } else if (kind == TrackKind::Audio) {
+            CAudioSample* audio = nullptr;
+            result = reader->ReadAudioSample(track, audio);
+            raw = audio;
+        } else {
+            CSubtitleSample* subtitle = nullptr;
+            result = reader->ReadSubtitleSample(track, subtitle);
+            raw = subtitle;
+        }
+        RObject<CMediaSample> sample(raw);
+        if (last)
+            *last = result;
+        if (result < 0 || !sample)
+            break;
+        auto* range = static_cast<CContainerDataReference*>(sample->GetDataReference());
+        const int32_t hint = sample->GetHint();
+        packets.push_back({sample->GetTime(), sample->GetCompositionTime(), sample->GetDuration(),
+                           range->GetPosition(), range->GetLength(), (hint & CMediaSample::KeyFrameAligned) != 0,
+                           (hint & CMediaSample::Exclude) != 0});
+    }
+    return packets;
+}
+
+inline void ExpectPacketsEqual(const std::vector<TrackPacket>& ours, const std::vector<TrackPacket>& probed,
+                               bool compareDurations = true)
+{
+    ASSERT_EQ(ours.size(), probed.size());
+    for (size_t i = 0; i < ours.size(); ++i) {
+        SCOPED_TRACE("packet " + std::to_string(i));
+        EXPECT_EQ(ours[i].dts, probed[i].dts);
+        EXPECT_EQ(ours[i].pts, probed[i].pts);
+        if (compareDurations)
+            EXPECT_EQ(ours[i].duration, probed[i].duration);
+        EXPECT_EQ(ours[i].position, probed[i].position);
+        EXPECT_EQ(ours[i].size, probed[i].size);
+        EXPECT_EQ(ours[i].key, probed[i].key);
+        EXPECT_EQ(ours[i].discard, probed[i].discard);
+        if (::testing::Test::HasFailure())
+            return;
+    }
+}
+
+} // namespace VekTest
