@@ -6,6 +6,7 @@
 #include <vek/containers/CContainer.h>
 #include <vek/media/AudioFormat.h>
 #include <vek/media/AudioProperty.h>
+#include <vek/media/SubtitleFormat.h>
 #include <vek/media/VideoFormat.h>
 
 using namespace Quorvex::Vek;
@@ -45,6 +46,12 @@ std::string VideoFormatName(uint32_t videoFormat)
 {
     const char* name = VideoFormat::GetName(videoFormat);
     return name ? name : CodeText(videoFormat);
+}
+
+std::string SubtitleFormatName(uint32_t subtitleFormat)
+{
+    const char* name = SubtitleFormat::GetName(subtitleFormat);
+    return name ? name : CodeText(subtitleFormat);
 }
 
 std::string ClockText(double seconds)

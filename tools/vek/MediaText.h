@@ -39,5 +39,7 @@ std::vector<std::pair<std::string, std::string>> ContainerTags(Quorvex::Vek::CCo
 std::vector<std::pair<std::string, std::string>> MediaTags(Quorvex::Vek::IProperties* properties);
 // The video format's display name, or its code when it has none.
 std::string VideoFormatName(uint32_t videoFormat);
+// The subtitle format's display name, or its code when it has none.
+std::string SubtitleFormatName(uint32_t subtitleFormat);
 
 } // namespace VekTool

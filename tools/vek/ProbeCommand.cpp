@@ -74,6 +74,14 @@ struct VideoFacts {
     std::vector<std::pair<std::string, std::string>> tags; // the description's own facts
 };
 
+struct SubtitleFacts {
+    uint32_t format = 0;
+    int64_t timeScale = 0;
+    double seconds = 0;
+    int64_t samples = 0;
+    std::vector<std::pair<std::string, std::string>> tags;
+};
+
 struct ProbeFacts {
     std::string formatName;
     uint32_t formatCode = 0;
@@ -81,6 +89,9 @@ struct ProbeFacts {
     std::vector<std::pair<std::string, std::string>> tags;
     std::vector<VideoFacts> video;
     std::vector<AudioFacts> audio;
+    std::vector<SubtitleFacts> subtitles;
+
+    size_t TrackCount() const { return video.size() + audio.size() + subtitles.size(); }
 };
 
 const char* FieldOrderText(uint32_t order)
@@ -161,6 +172,19 @@ int Probe(MediaSource& source, ProbeFacts& facts)
         if (properties)
             facts.audio.push_back(DescribeAudio(properties, analyzer.GetAudioSampleCount(track)));
     }
+    const int32_t subtitleTracks = reader->GetSubtitleMediaCount();
+    for (int32_t track = 0; track < subtitleTracks; ++track) {
+        CSubtitleProperties* properties = reader->GetSubtitleProperties(track);
+        if (!properties)
+            continue;
+        SubtitleFacts subtitle;
+        subtitle.format = properties->GetFormat();
+        subtitle.timeScale = properties->GetTimeScale();
+        subtitle.seconds = subtitle.timeScale > 0 ? double(properties->GetDuration()) / subtitle.timeScale : 0;
+        subtitle.samples = analyzer.GetSubtitleSampleCount(track);
+        subtitle.tags = MediaTags(properties);
+        facts.subtitles.push_back(subtitle);
+    }
     return kExitOk;
 }
 
@@ -227,7 +251,7 @@ void PrintText(const MediaSource& source, const ProbeFacts& facts)
     std::printf("format:    %s\n", facts.formatName.c_str());
     std::printf("size:      %lld bytes\n", static_cast<long long>(source.size));
     std::printf("duration:  %s (%.6f s)\n", ClockText(facts.seconds).c_str(), facts.seconds);
-    std::printf("tracks:    %zu\n", facts.video.size() + facts.audio.size());
+    std::printf("tracks:    %zu\n", facts.TrackCount());
     for (const auto& [key, value] : facts.tags)
         std::printf("  %-32s %s\n", key.c_str(), IndentLines(value).c_str());
     for (size_t i = 0; i < facts.video.size(); ++i)
@@ -250,6 +274,16 @@ void PrintText(const MediaSource& source, const ProbeFacts& facts)
         for (const auto& [key, value] : a.loudness)
             std::printf("  %-32s %.2f\n", key.c_str(), value);
     }
+    for (size_t i = 0; i < facts.subtitles.size(); ++i) {
+        const SubtitleFacts& t = facts.subtitles[i];
+        std::printf("track %zu: subtitles, %s ('%s')\n", facts.video.size() + facts.audio.size() + i,
+                    SubtitleFormatName(t.format).c_str(), CodeText(t.format).c_str());
+        std::printf("  time scale:        %lld\n", static_cast<long long>(t.timeScale));
+        std::printf("  duration:          %.6f s\n", t.seconds);
+        std::printf("  samples:           %lld\n", static_cast<long long>(t.samples));
+        for (const auto& [key, value] : t.tags)
+            std::printf("  %-32s %s\n", key.c_str(), value.c_str());
+    }
 }
 
 void PrintJson(const MediaSource& source, const ProbeFacts& facts)
@@ -259,7 +293,7 @@ void PrintJson(const MediaSource& source, const ProbeFacts& facts)
     std::printf("    \"format_name\": %s,\n", JsonString(facts.formatName).c_str());
     std::printf("    \"size\": %lld,\n", static_cast<long long>(source.size));
     std::printf("    \"duration\": %.6f,\n", facts.seconds);
-    std::printf("    \"nb_tracks\": %zu,\n", facts.video.size() + facts.audio.size());
+    std::printf("    \"nb_tracks\": %zu,\n", facts.TrackCount());
     std::printf("    \"tags\": {");
     for (size_t i = 0; i < facts.tags.size(); ++i)
         std::printf("%s\n      %s: %s", i ? "," : "", JsonString(facts.tags[i].first).c_str(),
@@ -291,7 +325,22 @@ void PrintJson(const MediaSource& source, const ProbeFacts& facts)
             std::printf(",\n      %s: %.2f", JsonString(key).c_str(), value);
         std::printf("\n    }");
     }
-    std::printf("%s]\n}\n", facts.video.empty() && facts.audio.empty() ? "" : "\n  ");
+    for (size_t i = 0; i < facts.subtitles.size(); ++i) {
+        const SubtitleFacts& t = facts.subtitles[i];
+        const size_t index = facts.video.size() + facts.audio.size() + i;
+        std::printf("%s\n    {\n", index ? "," : "");
+        std::printf("      \"index\": %zu,\n      \"type\": \"subtitle\",\n", index);
+        std::printf("      \"codec\": %s,\n", JsonString(SubtitleFormatName(t.format)).c_str());
+        std::printf("      \"codec_tag\": %s,\n", JsonString(CodeText(t.format)).c_str());
+        std::printf("      \"time_scale\": %lld,\n      \"duration\": %.6f,\n", static_cast<long long>(t.timeScale),
+                    t.seconds);
+        std::printf("      \"samples\": %lld,\n      \"tags\": {", static_cast<long long>(t.samples));
+        for (size_t k = 0; k < t.tags.size(); ++k)
+            std::printf("%s\n        %s: %s", k ? "," : "", JsonString(t.tags[k].first).c_str(),
+                        JsonString(t.tags[k].second).c_str());
+        std::printf("%s}\n    }", t.tags.empty() ? "" : "\n      ");
+    }
+    std::printf("%s]\n}\n", facts.TrackCount() == 0 ? "" : "\n  ");
 }
 
 } // namespace

@@ -23,11 +23,12 @@ void PrintUsage(std::FILE* out)
 {
     std::fputs("usage: vek samples [--json] [--limit N] FILE|URI\n"
                "\n"
-               "Lists the samples of every video and audio track in decode order: index,\n"
+               "Lists the samples of every video, audio and subtitle track in decode order: index,\n"
                "time and duration (in seconds; the track's time units in --json), byte\n"
                "position in the file and size. Video samples also show their presentation\n"
                "time, picture type (I, P, B) and whether they are key frames (K); samples\n"
-               "a decoder drops are marked X.\n"
+               "a decoder drops are marked X, and the units an edit trims from a sample's\n"
+               "start or end are shown.\n"
                "\n"
                "  --limit N  stop after N samples per track\n"
                "  --json     print one JSON object with a \"tracks\" array\n"
@@ -44,6 +45,7 @@ struct Row {
     char type = 0; // picture type letter; 0 for audio
     bool key = false;
     bool excluded = false;
+    int32_t leadingTrim = 0, trailingTrim = 0;
 };
 
 Row Describe(int64_t index, CMediaSample* sample)
@@ -52,6 +54,7 @@ Row Describe(int64_t index, CMediaSample* sample)
     row.key = (sample->GetHint() & CMediaSample::KeyFrameAligned) != 0;
     row.excluded = (sample->GetHint() & CMediaSample::Exclude) != 0;
     row.presentation = sample->GetCompositionTime();
+    sample->GetCompositionTrim(row.leadingTrim, row.trailingTrim);
     CMediaSampleDataReference* reference = sample->GetDataReference();
     if (reference && reference->IsType(CContainerDataReference::Type)) {
         auto* range = static_cast<CContainerDataReference*>(reference);
@@ -89,25 +92,35 @@ void PrintRow(const Row& row, double rate, bool json, bool first)
                         static_cast<long long>(row.presentation), row.type, row.key ? "true" : "false");
         if (row.excluded)
             std::printf("\"excluded\": true, ");
+        if (row.leadingTrim || row.trailingTrim)
+            std::printf("\"leading_trim\": %d, \"trailing_trim\": %d, ", row.leadingTrim, row.trailingTrim);
         std::printf("\"position\": %lld, \"size\": %d}", static_cast<long long>(row.position), row.size);
         return;
     }
     std::printf("%8lld %14.6f ", static_cast<long long>(row.index), row.time / rate);
     if (row.type)
         std::printf("%14.6f %2c%c%c ", row.presentation / rate, row.type, row.key ? 'K' : ' ', row.excluded ? 'X' : ' ');
-    std::printf("%12.6f %12lld %10d\n", row.duration / rate, static_cast<long long>(row.position), row.size);
+    std::printf("%12.6f %12lld %10d", row.duration / rate, static_cast<long long>(row.position), row.size);
+    if (row.excluded && !row.type)
+        std::printf("  excluded");
+    if (row.leadingTrim || row.trailingTrim)
+        std::printf("  trim %d/%d", row.leadingTrim, row.trailingTrim);
+    std::printf("\n");
 }
 
 template <typename Sample, typename Properties>
 int ListTrack(CContainerReader* reader, int32_t track, int64_t limit, bool json, bool first)
 {
     constexpr bool video = std::is_same_v<Sample, CVideoSample>;
-    const char* kind = video ? "video" : "audio";
+    constexpr bool audio = std::is_same_v<Sample, CAudioSample>;
+    const char* kind = video ? "video" : audio ? "audio" : "subtitle";
     Properties* properties = nullptr;
     if constexpr (video)
         properties = reader->GetVideoProperties(track);
-    else
+    else if constexpr (audio)
         properties = reader->GetAudioProperties(track);
+    else
+        properties = reader->GetSubtitleProperties(track);
     const double rate = properties && properties->GetTimeScale() > 0 ? double(properties->GetTimeScale()) : 1.0;
     if (json)
         std::printf("%s\n    {\"track\": %d, \"type\": \"%s\", \"time_scale\": %.0f, \"samples\": [", first ? "" : ",",
@@ -120,8 +133,10 @@ int ListTrack(CContainerReader* reader, int32_t track, int64_t limit, bool json,
         int result = RESULT_OK;
         if constexpr (video)
             result = reader->ReadVideoSample(track, next);
-        else
+        else if constexpr (audio)
             result = reader->ReadAudioSample(track, next);
+        else
+            result = reader->ReadSubtitleSample(track, next);
         RObject<Sample> sample(next);
         if (result < 0) {
             std::fprintf(stderr, "vek samples: reading sample %lld of %s track %d failed (%s)\n",
@@ -172,8 +187,12 @@ int RunSamples(int argc, char** argv)
     for (int32_t track = 0; track < audioTracks && status == kExitOk; ++track)
         status = ListTrack<CAudioSample, CAudioProperties>(source.reader, track, limit, json,
                                                           videoTracks == 0 && track == 0);
+    const int32_t subtitleTracks = source.reader->GetSubtitleMediaCount();
+    for (int32_t track = 0; track < subtitleTracks && status == kExitOk; ++track)
+        status = ListTrack<CSubtitleSample, CSubtitleProperties>(source.reader, track, limit, json,
+                                                                videoTracks + audioTracks == 0 && track == 0);
     if (json)
-        std::printf("%s]\n}\n", videoTracks + audioTracks ? "\n  " : "");
+        std::printf("%s]\n}\n", videoTracks + audioTracks + subtitleTracks ? "\n  " : "");
     return status;
 }
 
