@@ -106,6 +106,17 @@ public:
         m_count -= count;
     }
 
+    // Destroys the elements from `count` on; a larger count changes nothing.
+    void Truncate(int32_t count)
+    {
+        if (count < 0)
+            count = 0;
+        for (int32_t i = m_count; i > count; --i)
+            m_items[i - 1].~E();
+        if (count < m_count)
+            m_count = count;
+    }
+
     void Clear()
     {
         for (int32_t i = m_count; i > 0; --i)
