@@ -1,15 +1,14 @@
 #include <vek/containers/readers/avc/CMpeg4AvcContainerReader.h>
 
+#include <vek/containers/readers/elementary/SequenceFacts.h>
 #include <vek/core/Allocation.h>
 #include <vek/core/Log.h>
 #include <vek/elementary/AvcDecoderConfiguration.h>
 #include <vek/elementary/AvcNalHeader.h>
 #include <vek/io/CMemoryStream.h>
 #include <vek/media/VideoFormat.h>
-#include <vek/media/VideoProperty.h>
 #include <vek/samples/CMpeg4AvcDataReference.h>
 
-#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -18,41 +17,6 @@ namespace Quorvex::Vek {
 namespace {
 
 constexpr const char* Name = "CMpeg4AvcContainerReader";
-
-// The profile as ffprobe and most tools name it.
-const char* ProfileName(const AvcSequenceParameterSet& sps)
-{
-    const bool constraint1 = (sps.constraintFlags & 0x40) != 0;
-    const bool constraint3 = (sps.constraintFlags & 0x10) != 0;
-    switch (sps.profileIdc) {
-    case 66: return constraint1 ? "Constrained Baseline" : "Baseline";
-    case 77: return "Main";
-    case 88: return "Extended";
-    case 100: return "High";
-    case 110: return constraint3 ? "High 10 Intra" : "High 10";
-    case 122: return constraint3 ? "High 4:2:2 Intra" : "High 4:2:2";
-    case 244: return constraint3 ? "High 4:4:4 Intra" : "High 4:4:4 Predictive";
-    case 44: return "CAVLC 4:4:4";
-    default: return "Unknown";
-    }
-}
-
-// "3.1"; level 1b (level_idc 11 with constraint_set3 in the baseline and
-// main profiles, or 9) reads "1b".
-void LevelText(const AvcSequenceParameterSet& sps, char (&text)[8])
-{
-    const bool oneB = sps.levelIdc == 9 ||
-                      (sps.levelIdc == 11 && (sps.constraintFlags & 0x10) != 0 && (sps.profileIdc == 66 || sps.profileIdc == 77));
-    if (oneB)
-        std::snprintf(text, sizeof text, "1b");
-    else
-        std::snprintf(text, sizeof text, "%u.%u", sps.levelIdc / 10u, sps.levelIdc % 10u);
-}
-
-const char* ScanText(const AvcSequenceParameterSet& sps)
-{
-    return sps.frameMbsOnly ? "progressive" : sps.mbAdaptiveFrameField ? "mbaff" : "paff";
-}
 
 uint32_t FieldOrderOf(const AvcSequenceParameterSet& sps, const AvcAccessUnitSplitter::AccessUnit& first)
 {
@@ -70,18 +34,6 @@ uint32_t FieldOrderOf(const AvcSequenceParameterSet& sps, const AvcAccessUnitSpl
         }
     }
     return first.bottomFieldFirst ? CVideoProperties::FieldOrderBottomFirst : CVideoProperties::FieldOrderTopFirst;
-}
-
-void DescribeColour(const AvcVideoUsability& vui, VideoStreamFacts& facts)
-{
-    if (vui.colourDescriptionPresent) {
-        facts.colourPrimaries = vui.colourPrimaries;
-        facts.transfer = vui.transferCharacteristics;
-        facts.matrix = vui.matrixCoefficients;
-    }
-    facts.fullRange = vui.videoSignalTypePresent && vui.fullRange;
-    if (vui.chromaLocationPresent)
-        facts.chromaLocation = vui.chromaSampleLocTop;
 }
 
 // The unit's bytes without the trailing zero bytes that pad it.
@@ -231,33 +183,8 @@ int CMpeg4AvcContainerReader::ReadStreamHeader(VideoStreamFacts& facts)
 int CMpeg4AvcContainerReader::DescribeStream(const FirstPicture& first, VideoStreamFacts& facts)
 {
     const AvcSequenceParameterSet& sps = *m_splitter->GetSequenceSet(first.unit.sequenceSetId);
-    const AvcVideoUsability& vui = sps.vui;
-    facts.format = VideoFormat::H264;
-    facts.width = sps.displayWidth;
-    facts.height = sps.displayHeight;
-    facts.codedWidth = sps.codedWidth;
-    facts.codedHeight = sps.codedHeight;
-    facts.aspectNumerator = vui.sampleAspectRatio.width;
-    facts.aspectDenominator = vui.sampleAspectRatio.height;
-    facts.chromaFormat = int32_t(sps.chromaFormatIdc);
-    facts.bitDepth = int32_t(sps.bitDepthLuma);
-    facts.chromaBitDepth = int32_t(sps.bitDepthChroma);
-    if (vui.timingPresent && vui.numUnitsInTick > 0 && vui.timeScale > 0) {
-        // A tick is one field: a frame lasts two.
-        facts.frameRateNumerator = vui.timeScale;
-        facts.frameRateDenominator = 2 * int64_t(vui.numUnitsInTick);
-    }
+    SequenceFacts::DescribeAvc(sps, facts);
     facts.fieldOrder = FieldOrderOf(sps, first.unit);
-    DescribeColour(vui, facts);
-    if (vui.bitstreamRestrictionPresent)
-        facts.reorderDepth = int32_t(vui.maxNumReorderFrames);
-    facts.profile = ProfileName(sps);
-    LevelText(sps, facts.level);
-    facts.scan = ScanText(sps);
-    facts.profileCodeKey = VideoProperty::H264Profile;
-    facts.profileCode = sps.profileIdc;
-    facts.levelCodeKey = VideoProperty::H264Level;
-    facts.levelCode = sps.levelIdc;
     Log(LogLevel::Detail, "%s: %s profile level %s, %dx%d (coded %dx%d), %s, first picture at %lld\n", Name,
         facts.profile, facts.level, facts.width, facts.height, facts.codedWidth, facts.codedHeight, facts.scan,
         static_cast<long long>(first.unit.position));

@@ -1,9 +1,8 @@
 #include <vek/containers/readers/hevc/CMpegHevcContainerReader.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <numeric>
 
+#include <vek/containers/readers/elementary/SequenceFacts.h>
 #include <vek/core/Log.h>
 #include <vek/elementary/HevcDecoderConfiguration.h>
 #include <vek/elementary/HevcNalHeader.h>
@@ -36,28 +35,6 @@ struct CMpegHevcContainerReader::Found {
 };
 
 namespace {
-
-const char* ProfileName(uint8_t profileIdc)
-{
-    switch (profileIdc) {
-    case 1: return "Main";
-    case 2: return "Main 10";
-    case 3: return "Main Still Picture";
-    case 4: return "Rext";
-    case 5: return "High Throughput 4:4:4";
-    case 9: return "SCC";
-    default: return nullptr;
-    }
-}
-
-// "4", "5.1": the level number is the level code over 30.
-void FormatLevel(uint8_t levelIdc, char (&text)[8])
-{
-    if (levelIdc % 30 == 0)
-        std::snprintf(text, sizeof text, "%d", levelIdc / 30);
-    else
-        std::snprintf(text, sizeof text, "%d.%d", levelIdc / 30, levelIdc % 30 / 3);
-}
 
 // The first ProbeBytes of a stream (from its current position) as a memory
 // stream, so that the search for the headers never reads further.
@@ -216,43 +193,7 @@ int CMpegHevcContainerReader::ReadStreamHeader(VideoStreamFacts& facts)
 
 void CMpegHevcContainerReader::DescribeSequence(const HevcSequenceParameterSet& sps, VideoStreamFacts& facts)
 {
-    const HevcVideoUsability& vui = sps.vui;
-    facts.format = VideoFormat::H265;
-    facts.width = sps.displayWidth;
-    facts.height = sps.displayHeight;
-    facts.codedWidth = int32_t(sps.width);
-    facts.codedHeight = int32_t(sps.height);
-    facts.chromaFormat = int32_t(sps.chromaFormatIdc);
-    facts.bitDepth = int32_t(sps.bitDepthLuma);
-    facts.chromaBitDepth = int32_t(sps.bitDepthChroma);
-    facts.reorderDepth = int32_t(sps.maxNumReorderPics[sps.maxSubLayers - 1]);
-    facts.profile = ProfileName(sps.profileTierLevel.profileIdc);
-    facts.tier = sps.profileTierLevel.highTier ? "High" : "Main";
-    FormatLevel(sps.profileTierLevel.levelIdc, facts.level);
-    facts.scan = sps.vuiPresent && vui.fieldSeq ? "interlaced" : "progressive";
-    if (!sps.vuiPresent)
-        return;
-    if (vui.aspectRatioPresent && vui.sampleAspectRatio.width > 0 && vui.sampleAspectRatio.height > 0) {
-        facts.aspectNumerator = vui.sampleAspectRatio.width;
-        facts.aspectDenominator = vui.sampleAspectRatio.height;
-    }
-    if (vui.colourDescriptionPresent) {
-        facts.colourPrimaries = vui.colourPrimaries;
-        facts.transfer = vui.transferCharacteristics;
-        facts.matrix = vui.matrixCoefficients;
-    }
-    facts.fullRange = vui.videoSignalTypePresent && vui.fullRange;
-    if (vui.chromaLocationPresent)
-        facts.chromaLocation = vui.chromaSampleLocTop;
-    if (vui.timingPresent && vui.timeScale > 0 && vui.numUnitsInTick > 0) {
-        // A tick is a picture; a stream of fields ticks at the field rate.
-        const uint64_t divisor = std::gcd(uint64_t(vui.timeScale), uint64_t(vui.numUnitsInTick) * (vui.fieldSeq ? 2 : 1));
-        facts.frameRateNumerator = int64_t(vui.timeScale / divisor);
-        facts.frameRateDenominator = int64_t(uint64_t(vui.numUnitsInTick) * (vui.fieldSeq ? 2 : 1) / divisor);
-    } else if (vui.timingPresent) {
-        Log(LogLevel::Warning, "CMpegHevcContainerReader::BeginIndex: vui_time_scale %u over "
-            "vui_num_units_in_tick %u is no frame rate; ignored\n", vui.timeScale, vui.numUnitsInTick);
-    }
+    SequenceFacts::DescribeHevc("CMpegHevcContainerReader::BeginIndex", sps, facts);
 }
 
 int CMpegHevcContainerReader::MakeDecoderConfiguration(const HevcSequenceParameterSet& sps, const Found& found,

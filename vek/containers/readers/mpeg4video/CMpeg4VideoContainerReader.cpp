@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <vek/containers/readers/elementary/SequenceFacts.h>
 #include <vek/core/Log.h>
 #include <vek/media/VideoFormat.h>
 #include <vek/media/VideoProperty.h>
@@ -90,37 +91,7 @@ int CMpeg4VideoContainerReader::Validate(CStream* stream)
 
 void CMpeg4VideoContainerReader::DescribeStream(const Headers& headers, VideoStreamFacts& facts)
 {
-    const Mpeg4VideoObjectLayer& layer = headers.layer;
-    facts.format = VideoFormat::MPEG4;
-    facts.width = layer.width;
-    facts.height = layer.height;
-    int32_t numerator = 0;
-    int32_t denominator = 0;
-    if (layer.GetSampleAspectRatio(numerator, denominator) >= 0) {
-        facts.aspectNumerator = numerator;
-        facts.aspectDenominator = denominator;
-    }
-    if (layer.fixedVopRate && layer.GetFrameRate(numerator, denominator) >= 0) {
-        facts.frameRateNumerator = numerator;
-        facts.frameRateDenominator = denominator;
-    }
-    facts.chromaFormat = layer.chromaFormat;
-    facts.bitDepth = 8;
-    facts.chromaBitDepth = 8;
-    facts.fieldOrder = layer.interlaced ? CVideoProperties::FieldOrderUnknown : CVideoProperties::FieldOrderProgressive;
-    facts.scan = layer.interlaced ? "interlaced" : "progressive";
-    facts.reorderDepth = layer.lowDelay ? 0 : -1;
-    if (layer.hasVbvParameters)
-        facts.bitRate = int64_t(layer.bitRate) * 400;
-    const Mpeg4VisualObject& object = headers.object;
-    if (headers.hasObject && object.videoSignalType) {
-        facts.fullRange = object.fullRange;
-        if (object.colourDescription) {
-            facts.colourPrimaries = object.colourPrimaries;
-            facts.transfer = object.transferCharacteristics;
-            facts.matrix = object.matrixCoefficients;
-        }
-    }
+    SequenceFacts::DescribeMpeg4Video(headers.layer, headers.hasObject ? &headers.object : nullptr, facts);
 }
 
 // The headers in front of the first group of VOPs or VOP, as an MP4 sample

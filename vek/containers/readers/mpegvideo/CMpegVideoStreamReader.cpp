@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include <vek/containers/readers/elementary/SequenceFacts.h>
 #include <vek/core/Log.h>
 #include <vek/media/VideoFormat.h>
 #include <vek/media/VideoProperty.h>
@@ -15,45 +16,6 @@ namespace {
 constexpr int64_t LeadingZeroAllowance = 64;
 // Access units read for the reorder depth when no B picture shows earlier.
 constexpr int64_t ScannedPictures = 3;
-
-const char* ProfileName(uint8_t profileAndLevel)
-{
-    if (profileAndLevel == 0x82 || profileAndLevel == 0x85)
-        return "4:2:2";
-    if (profileAndLevel & 0x80)
-        return nullptr; // multi-view and other escaped codes
-    switch (profileAndLevel >> 4 & 7) {
-    case 1: return "High";
-    case 2: return "Spatially Scalable";
-    case 3: return "SNR Scalable";
-    case 4: return "Main";
-    case 5: return "Simple";
-    default: return nullptr;
-    }
-}
-
-// The usual short names: they fit the level text of the stream facts.
-const char* LevelName(uint8_t profileAndLevel)
-{
-    if (profileAndLevel == 0x82)
-        return "HL";
-    if (profileAndLevel == 0x85)
-        return "ML";
-    if (profileAndLevel & 0x80)
-        return nullptr;
-    switch (profileAndLevel & 15) {
-    case 4: return "HL";
-    case 6: return "H-14";
-    case 8: return "ML";
-    case 10: return "LL";
-    default: return nullptr;
-    }
-}
-
-int32_t RoundUp(int32_t value, int32_t multiple)
-{
-    return (value + multiple - 1) / multiple * multiple;
-}
 
 int32_t SampleType(MpegPictureType type)
 {
@@ -173,33 +135,12 @@ int CMpegVideoStreamReader::ReadStreamHeader(VideoStreamFacts& facts)
 int CMpegVideoStreamReader::DescribeSequence(const HeaderScan& scan, VideoStreamFacts& facts)
 {
     const MpegVideoSequence& sequence = m_splitter.GetSequence();
-    const bool interlacedSequence = sequence.mpeg2 && !sequence.extension.progressiveSequence;
-    facts.format = sequence.mpeg2 ? VideoFormat::MPEG2 : VideoFormat::MPEG1;
-    facts.width = sequence.Width();
-    facts.height = sequence.Height();
-    facts.codedWidth = RoundUp(facts.width, 16);
-    facts.codedHeight = RoundUp(facts.height, interlacedSequence ? 32 : 16);
-    int32_t numerator = 0, denominator = 0;
-    if (sequence.GetSampleAspectRatio(numerator, denominator) >= 0) {
-        facts.aspectNumerator = numerator;
-        facts.aspectDenominator = denominator;
-    } else {
-        Log(LogLevel::Warning, "%s::BeginIndex: aspect_ratio_information %u left unstated\n", ClassName(),
-            unsigned(sequence.header.aspectRatioInformation));
-    }
-    int result = sequence.GetFrameRate(numerator, denominator);
+    char owner[64];
+    std::snprintf(owner, sizeof owner, "%s::BeginIndex", ClassName());
+    const int result = SequenceFacts::DescribeMpegVideo(owner, sequence, facts);
     if (result < 0)
         return result;
-    facts.frameRateNumerator = numerator;
-    facts.frameRateDenominator = denominator;
-    facts.chromaFormat = sequence.ChromaFormat();
-    facts.bitDepth = 8;
-    facts.chromaBitDepth = 8;
-    // MPEG-1 puts 4:2:0 chroma between the luma samples, MPEG-2 beside the
-    // left one; 4:2:2 and 4:4:4 chroma rows are those of the luma.
-    facts.chromaLocation = !sequence.mpeg2 ? 1 : facts.chromaFormat == 1 ? 0 : 2;
-    // 0x3FFFF in an MPEG-1 header marks a variable bit rate.
-    facts.bitRate = !sequence.mpeg2 && sequence.header.bitRateValue == 0x3FFFF ? 0 : sequence.BitRate();
+    const bool interlacedSequence = sequence.mpeg2 && !sequence.extension.progressiveSequence;
     const MpegVideoPictureCodingExtension& first = m_splitter.GetFirstCoding();
     const bool progressive = !interlacedSequence || !m_splitter.HasFirstCoding() ||
                              (first.progressiveFrame && first.structure == MpegPictureStructure::Frame);
@@ -211,19 +152,8 @@ int CMpegVideoStreamReader::DescribeSequence(const HeaderScan& scan, VideoStream
     else
         facts.fieldOrder = first.topFieldFirst ? CVideoProperties::FieldOrderTopFirst
                                                : CVideoProperties::FieldOrderBottomFirst;
-    facts.scan = interlacedSequence ? "interlaced" : "progressive";
-    if (sequence.hasDisplayExtension && sequence.display.colourDescription) {
-        facts.colourPrimaries = sequence.display.colourPrimaries;
-        facts.transfer = sequence.display.transferCharacteristics;
-        facts.matrix = sequence.display.matrixCoefficients;
-    }
     const bool lowDelay = sequence.mpeg2 && sequence.extension.lowDelay;
     facts.reorderDepth = scan.sawB && !lowDelay ? 1 : 0;
-    if (sequence.mpeg2) {
-        facts.profile = ProfileName(sequence.extension.profileAndLevel);
-        if (const char* level = LevelName(sequence.extension.profileAndLevel))
-            std::snprintf(facts.level, sizeof facts.level, "%s", level);
-    }
     return RESULT_OK;
 }
 
