@@ -3,6 +3,7 @@
 #include <vek/media/ContainerProperty.h>
 
 #include "MovAtomWalk.h"
+#include "MovWriters.h"
 #include "elementary/ExternalStreams.h"
 #include "support/AllocationWalk.h"
 #include "support/LogCapture.h"
@@ -207,10 +208,41 @@ std::vector<std::pair<std::string, std::string>> FormatTags(const std::string& j
     return tags;
 }
 
-bool IsBrandTag(const std::string& name)
+// Tags ffprobe takes from the file type and movie header, not metadata.
+bool IsHeaderTag(const std::string& name)
 {
-    return name == "major_brand" || name == "minor_version" || name == "compatible_brands";
+    return name == "major_brand" || name == "minor_version" || name == "compatible_brands" ||
+           name == "creation_time";
 }
+
+// Compares the movie's metadata with ffprobe's format tags; the count of
+// tags compared.
+int CompareWithFfprobe(const std::string& file, const std::string& path, bool keyed)
+{
+    MovBox udta;
+    EXPECT_TRUE(FindPath(file, "moov/udta", udta));
+    IProperties bag;
+    EXPECT_EQ(ReadUserData(udta, &bag), RESULT_OK);
+    int compared = 0;
+    for (const auto& [tag, value] : FormatTags(Probe(path, "-show_format"))) {
+        if (IsHeaderTag(tag))
+            continue;
+        std::string key = keyed ? tag : std::string();
+        for (const TagKey& known : TagKeys()) {
+            if (!keyed && tag == known.tag)
+                key = known.key;
+        }
+        EXPECT_FALSE(key.empty()) << "no key for ffprobe's tag " << tag;
+        EXPECT_EQ(Stored(bag, key.c_str()), value) << tag;
+        ++compared;
+    }
+    return compared;
+}
+
+const char* const NonAsciiTags =
+    "-metadata 'title=T\xC3\xABst title \xE2\x9C\x93' -metadata 'artist=\xC3\x84rtist' "
+    "-metadata 'comment=C\xC3\xB6mment' -metadata 'album=Alb\xC3\xBCm' -metadata date=2021-05-06 "
+    "-metadata 'copyright=\xC2\xA9 Someone' -metadata 'genre=Kl\xC3\xA4nge' ";
 
 struct WriterCase {
     const char* name;
@@ -222,11 +254,9 @@ TEST(MovMetadata, FfmpegFilesAgreeWithFfprobe)
 {
     if (!HasFfmpeg())
         GTEST_SKIP() << "ffmpeg/ffprobe not available";
-    const std::string tags =
-        "-metadata 'title=T\xC3\xABst title \xE2\x9C\x93' -metadata 'artist=\xC3\x84rtist' "
-        "-metadata 'comment=C\xC3\xB6mment' -metadata 'album=Alb\xC3\xBCm' -metadata date=2021-05-06 "
-        "-metadata 'copyright=\xC2\xA9 Someone' -metadata 'genre=Kl\xC3\xA4nge' -metadata 'composer=J.S. Bach' "
-        "-metadata 'album_artist=\xE6\x97\xA5\xE6\x9C\xAC' -metadata track=3/12 ";
+    const std::string tags = std::string(NonAsciiTags) +
+                             "-metadata 'composer=J.S. Bach' -metadata 'album_artist=\xE6\x97\xA5\xE6\x9C\xAC' "
+                             "-metadata track=3/12 ";
     const WriterCase writers[] = {
         {"mov user data", "-f mov", false},
         {"mp4 item list", "-f mp4", false},
@@ -242,27 +272,30 @@ TEST(MovMetadata, FfmpegFilesAgreeWithFfprobe)
         const std::string file =
             Encode(dir, "testsrc=d=0.2:r=25:s=64x48", "-c:v mpeg4 " + tags + writer.options, name);
         ASSERT_FALSE(file.empty());
-        MovBox udta;
-        ASSERT_TRUE(FindPath(file, "moov/udta", udta));
-        IProperties bag;
-        ASSERT_EQ(ReadUserData(udta, &bag), RESULT_OK);
-        int compared = 0;
-        for (const auto& [tag, value] : FormatTags(Probe(dir.File(name), "-show_format"))) {
-            if (IsBrandTag(tag))
-                continue;
-            std::string key = writer.keyed ? tag : std::string();
-            for (const TagKey& known : TagKeys()) {
-                if (!writer.keyed && tag == known.tag)
-                    key = known.key;
-            }
-            ASSERT_FALSE(key.empty()) << "no key for ffprobe's tag " << tag;
-            EXPECT_EQ(Stored(bag, key.c_str()), value) << tag;
-            ++compared;
-        }
-        EXPECT_GE(compared, 8);
+        EXPECT_GE(CompareWithFfprobe(file, dir.File(name), writer.keyed), 8);
         if (!writer.keyed) {
+            MovBox udta;
+            ASSERT_TRUE(FindPath(file, "moov/udta", udta));
+            IProperties bag;
+            ASSERT_EQ(ReadUserData(udta, &bag), RESULT_OK);
             EXPECT_EQ(Stored(bag, Cp::MovYear), "2021");
         }
+    }
+}
+
+// GStreamer's muxers write Matroska's file tags as the movie's metadata.
+TEST(MovMetadata, GstreamerFilesAgreeWithFfprobe)
+{
+    VEK_REQUIRE_GSTREAMER();
+    TempDir dir;
+    const std::string source = WriterSourceMatroska(dir, NonAsciiTags);
+    ASSERT_FALSE(source.empty());
+    for (const char* muxer : {"qtmux", "mp4mux"}) {
+        SCOPED_TRACE(muxer);
+        const std::string name = std::string(muxer) + ".bin";
+        const std::string file = GstMux(dir, source, muxer, name);
+        ASSERT_FALSE(file.empty());
+        EXPECT_GE(CompareWithFfprobe(file, dir.File(name), false), 7);
     }
 }
 

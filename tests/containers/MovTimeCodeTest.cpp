@@ -6,6 +6,7 @@
 #include <vek/media/IProperties.h>
 
 #include "MovAtomWalk.h"
+#include "MovWriters.h"
 #include "elementary/ExternalStreams.h"
 #include "support/AllocationWalk.h"
 #include "support/LogCapture.h"
@@ -93,6 +94,26 @@ bool FindTimeCodeTrack(const std::string& file, TimeCodeTrack& track)
     return false;
 }
 
+// Reads a file's timecode track as the reader will and compares the start
+// with ffprobe's; `rate` is the video's frame rate as given to the writer.
+void ExpectStartOfFfprobe(const std::string& file, const std::string& path, const std::string& rate)
+{
+    const std::string expected = JsonValue(Probe(path, "-show_streams"), "timecode");
+    ASSERT_FALSE(expected.empty());
+    TimeCodeTrack track;
+    ASSERT_TRUE(FindTimeCodeTrack(file, track));
+    MovTimeCodeDescription description{};
+    ASSERT_EQ(ReadTimeCodeDescription(track.entry, description), RESULT_OK);
+    IProperties bag;
+    ASSERT_EQ(ApplyStartTimeCode(description, DataOf(track.sample), track.sample.size(), &bag), RESULT_OK);
+    EXPECT_EQ(Stored(bag, ContainerProperty::TimeCode), expected);
+    CTimeCode rebuilt = Rebuilt(bag);
+    EXPECT_EQ(rebuilt.IsDropFrame(), expected.find(';') != std::string::npos);
+    EXPECT_DOUBLE_EQ(rebuilt.GetFrameRate(), rate.find('/') != std::string::npos ? Ratio(rate) : std::atof(rate.c_str()));
+    EXPECT_EQ(rebuilt.GetTotalFrames(), int32_t(BigEndian::Load32(DataOf(track.sample))));
+    EXPECT_EQ(std::string(rebuilt.ToString(nullptr, ';')), expected);
+}
+
 struct FfmpegCase {
     const char* timeCode;
     const char* rate;
@@ -116,21 +137,29 @@ TEST(MovTimeCode, FfmpegTracksAgreeWithFfprobe)
         const std::string file = Encode(dir, std::string("testsrc=d=0.2:s=64x48:r=") + c.rate,
                                         std::string("-c:v mpeg4 -timecode '") + c.timeCode + "' -f " + c.format, name);
         ASSERT_FALSE(file.empty());
-        const std::string expected = JsonValue(Probe(dir.File(name), "-show_streams"), "timecode");
-        ASSERT_FALSE(expected.empty());
-        TimeCodeTrack track;
-        ASSERT_TRUE(FindTimeCodeTrack(file, track));
-        MovTimeCodeDescription description{};
-        ASSERT_EQ(ReadTimeCodeDescription(track.entry, description), RESULT_OK);
-        IProperties bag;
-        ASSERT_EQ(ApplyStartTimeCode(description, DataOf(track.sample), track.sample.size(), &bag), RESULT_OK);
-        EXPECT_EQ(Stored(bag, ContainerProperty::TimeCode), expected);
-        CTimeCode rebuilt = Rebuilt(bag);
-        EXPECT_EQ(rebuilt.IsDropFrame(), expected.find(';') != std::string::npos);
-        const double rate = std::strchr(c.rate, '/') ? Ratio(c.rate) : std::atof(c.rate);
-        EXPECT_DOUBLE_EQ(rebuilt.GetFrameRate(), rate);
-        EXPECT_EQ(rebuilt.GetTotalFrames(), int32_t(BigEndian::Load32(DataOf(track.sample))));
-        EXPECT_EQ(std::string(rebuilt.ToString(nullptr, ';')), expected);
+        ExpectStartOfFfprobe(file, dir.File(name), c.rate);
+    }
+}
+
+struct GstreamerCase {
+    const char* rate;
+    bool dropFrame;
+    int startFrame;
+};
+
+TEST(MovTimeCode, GstreamerTracksAgreeWithFfprobe)
+{
+    VEK_REQUIRE_GSTREAMER();
+    const GstreamerCase cases[] = {
+        {"30000/1001", true, 107892}, {"30000/1001", false, 107892}, {"25/1", false, 12345},
+        {"60000/1001", true, 3600 * 60 - 7}, {"24000/1001", false, 86399},
+    };
+    TempDir dir;
+    for (const GstreamerCase& c : cases) {
+        SCOPED_TRACE(std::string(c.rate) + (c.dropFrame ? " drop, " : ", ") + std::to_string(c.startFrame));
+        const std::string file = GstTimeCodeMux(dir, c.rate, c.dropFrame, c.startFrame, "tc.mov");
+        ASSERT_FALSE(file.empty());
+        ExpectStartOfFfprobe(file, dir.File("tc.mov"), c.rate);
     }
 }
 

@@ -565,7 +565,9 @@ int ReadKeys(const MovBox& keys, Detail::GrowBuffer<KeyName>& names)
         return RESULT_OK;
     }
     // Each entry takes at least 8 bytes: the count cannot reserve more.
-    const size_t fit = fields.Remaining() / 8;
+    size_t fit = fields.Remaining() / 8;
+    if (fit > size_t(Detail::GrowBuffer<KeyName>::MaxCount))
+        fit = size_t(Detail::GrowBuffer<KeyName>::MaxCount);
     if (!names.Reserve(int32_t(count < fit ? count : fit)))
         return RESULT_OUT_OF_MEMORY;
     for (uint32_t i = 0; i < count; ++i) {
