@@ -17,6 +17,12 @@ packages=(
     # Independent writers and oracles of the container conformance tests
     # (tests/conformance), and libsndfile's programs for its corpus files.
     ffmpeg sox libsox-fmt-all sndfile-programs python3
+    # GStreamer's QuickTime and MP4 muxers (qtmux, mp4mux; good), with
+    # h264parse and timecodestamper (bad), x264enc (ugly) and the test
+    # sources (base): the second writer of the QuickTime/MP4 reader tests.
+    # (GPAC's MP4Box, the third, is not packaged in this Debian release.)
+    gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good
+    gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
     g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
 )
 
