@@ -18,12 +18,6 @@ using namespace VekTest;
 
 namespace {
 
-// High profile, level 4.2, 1920x1080, from a libx264 encode.
-const Bytes kSps = {0x67, 0x64, 0x00, 0x2A, 0xAC, 0xD9, 0x40, 0x78, 0x02, 0x27, 0xE5, 0xC0, 0x44, 0x00,
-                    0x00, 0x03, 0x00, 0x04, 0x00, 0x00, 0x03, 0x01, 0xE0, 0x3C, 0x60, 0xC6, 0x58};
-const Bytes kPps = {0x68, 0xEF, 0x8F, 0xCB};
-const Bytes kAacLcStereo48k = {0x11, 0x90};
-
 Mp4Track Video(uint32_t gops, uint32_t gopFrames, uint32_t bFrames, uint32_t perChunk, const std::string& format = "avc1")
 {
     Mp4Track track;
@@ -31,7 +25,9 @@ Mp4Track Video(uint32_t gops, uint32_t gopFrames, uint32_t bFrames, uint32_t per
     track.width = 1920;
     track.height = 1080;
     track.samplesPerChunk = perChunk;
-    track.sampleEntries = {Mp4VisualSampleEntry(format, 1920, 1080, {Mp4AvcConfiguration(kSps, kPps)})};
+    track.sampleEntries = {Mp4Avc1080pSampleEntry()};
+    if (format != "avc1")
+        std::copy(format.begin(), format.end(), track.sampleEntries[0].begin() + 4);
     const uint32_t frame = 256; // 60 frames a second
     for (uint32_t g = 0; g < gops; ++g)
         for (const Mp4GopPicture& picture : Mp4Gop(gopFrames, bFrames)) {
@@ -48,7 +44,7 @@ Mp4Track Aac(uint32_t samples, uint32_t perChunk)
     track.handler = "soun";
     track.timescale = 48000;
     track.samplesPerChunk = perChunk;
-    track.sampleEntries = {Mp4AudioSampleEntry("mp4a", 2, 16, 48000, {Mp4AacEsds(kAacLcStereo48k)})};
+    track.sampleEntries = {Mp4AacSampleEntry(2, 48000)};
     for (uint32_t i = 0; i < samples; ++i)
         track.Add(200 + i * 37 % 90, 1024);
     return track;
@@ -216,28 +212,44 @@ TEST(Mp4TestWriter, FfprobeReadsEverySampleWhereTheTablesPutIt)
     }
 }
 
-// ffprobe's stream durations and frame counts come from the movie's and
-// tracks' headers.
-TEST(Mp4TestWriter, FfprobeReadsTheHeadersDurations)
+// ffprobe's stream durations, frame counts and codec facts come from the
+// headers and sample entries.
+TEST(Mp4TestWriter, FfprobeReadsTheHeadersAndSampleEntries)
 {
     if (!HasFfmpeg())
         GTEST_SKIP() << "no ffprobe";
-    const Mp4Movie movie = TwoTracks();
-    TempDir dir;
-    const std::string path = dir.File("movie.mp4");
-    ASSERT_TRUE(movie.WriteFile(path));
-    const std::string json = RunCommand("ffprobe -v quiet -show_streams -of json '" + path + "'").value_or("");
-    const auto durations = JsonValues(json, "duration_ts");
-    const auto frames = JsonValues(json, "nb_frames");
-    const auto widths = JsonValues(json, "width");
-    ASSERT_EQ(durations.size(), 2u);
-    ASSERT_EQ(frames.size(), 2u);
-    for (size_t t = 0; t < 2; ++t) {
-        EXPECT_EQ(std::stoull(durations[t]), movie.tracks[t].MediaDuration());
-        EXPECT_EQ(std::stoull(frames[t]), movie.tracks[t].SampleCount());
+    const struct {
+        uint16_t channels;
+        uint32_t rate;
+    } cases[] = {{2, 48000}, {1, 44100}, {6, 96000}, {2, 8000}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.channels) + " channels at " + std::to_string(c.rate));
+        Mp4Movie movie = TwoTracks();
+        Mp4Track& audio = movie.tracks[1];
+        audio.timescale = c.rate;
+        audio.sampleEntries = {Mp4AacSampleEntry(c.channels, c.rate)};
+        TempDir dir;
+        const std::string path = dir.File("movie.mp4");
+        ASSERT_TRUE(movie.WriteFile(path));
+        const std::string json = RunCommand("ffprobe -v quiet -show_streams -of json '" + path + "'").value_or("");
+        const auto durations = JsonValues(json, "duration_ts");
+        const auto frames = JsonValues(json, "nb_frames");
+        ASSERT_EQ(durations.size(), 2u);
+        ASSERT_EQ(frames.size(), 2u);
+        for (size_t t = 0; t < 2; ++t) {
+            EXPECT_EQ(std::stoull(durations[t]), movie.tracks[t].MediaDuration());
+            EXPECT_EQ(std::stoull(frames[t]), movie.tracks[t].SampleCount());
+        }
+        // Without decoding: a decoder fed the pattern payload would
+        // overwrite the facts of the sample entries.
+        const std::string facts =
+            RunCommand("ffprobe -v quiet -analyzeduration 0 -probesize 32 -show_streams -of json '" + path + "'")
+                .value_or("");
+        EXPECT_EQ(JsonValue(facts, "width"), "1920");
+        EXPECT_EQ(JsonValues(facts, "codec_name"), (std::vector<std::string>{"h264", "aac"}));
+        EXPECT_EQ(JsonValue(facts, "sample_rate"), std::to_string(c.rate));
+        EXPECT_EQ(JsonValue(facts, "channels"), std::to_string(c.channels));
     }
-    ASSERT_EQ(widths.size(), 1u);
-    EXPECT_EQ(widths[0], "1920");
 }
 
 TEST(Mp4TestWriter, GroupsOfPicturesShowEveryFrameOnce)

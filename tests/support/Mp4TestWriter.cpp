@@ -4,6 +4,7 @@
 #include <climits>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace VekTest {
 
@@ -816,6 +817,36 @@ Bytes Mp4AudioSampleEntry(const std::string& format, uint16_t channels, uint16_t
     ByteWriter w(true);
     w.Zeros(6).U16(1).Zeros(8).U16(channels).U16(sampleBits).U16(0).U16(0).U32(rate << 16).Append(Concat(children));
     return Mp4Box(format, w.Get());
+}
+
+Bytes Mp4Avc1080pSampleEntry()
+{
+    static const Bytes sps = {0x67, 0x64, 0x00, 0x2A, 0xAC, 0xD9, 0x40, 0x78, 0x02, 0x27, 0xE5, 0xC0, 0x44, 0x00,
+                              0x00, 0x03, 0x00, 0x04, 0x00, 0x00, 0x03, 0x01, 0xE0, 0x3C, 0x60, 0xC6, 0x58};
+    static const Bytes pps = {0x68, 0xEF, 0x8F, 0xCB};
+    return Mp4VisualSampleEntry("avc1", 1920, 1080, {Mp4AvcConfiguration(sps, pps)});
+}
+
+Bytes Mp4AacSampleEntry(uint16_t channels, uint32_t rate)
+{
+    static const uint32_t rates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
+    const uint32_t index = uint32_t(std::find(std::begin(rates), std::end(rates), rate) - std::begin(rates));
+    // AAC-LC (object type 2), the rate's index or 15 and the rate itself.
+    uint64_t bits = 2;
+    int count = 5;
+    if (index < std::size(rates)) {
+        bits = bits << 4 | index;
+        count += 4;
+    } else {
+        bits = (bits << 4 | 15) << 24 | rate;
+        count += 28;
+    }
+    bits = bits << 4 | channels;
+    count += 4 + 3; // then three zero flag bits
+    bits <<= 3;
+    const int bytes = (count + 7) / 8;
+    bits <<= 8 * bytes - count;
+    return Mp4AudioSampleEntry("mp4a", channels, 16, rate, {Mp4AacEsds(ByteWriter(true).Int(bits, bytes).Get())});
 }
 
 // ---------------------------------------------------------------- tracks and movies

@@ -77,6 +77,12 @@ Bytes Mp4VisualSampleEntry(const std::string& format, uint16_t width, uint16_t h
 Bytes Mp4AudioSampleEntry(const std::string& format, uint16_t channels, uint16_t sampleBits, uint32_t rate,
                           const std::vector<Bytes>& children = {});
 
+// 'avc1' of 1920x1080 High profile level 4.2 with an SPS and PPS that
+// libx264 wrote.
+Bytes Mp4Avc1080pSampleEntry();
+// 'mp4a' of AAC-LC with the AudioSpecificConfig of `channels` and `rate`.
+Bytes Mp4AacSampleEntry(uint16_t channels, uint32_t rate);
+
 // ---------------------------------------------------------------- movies
 
 // `count` consecutive samples alike, in decode order.
