@@ -297,8 +297,10 @@ uint64_t PresentationDuration(const Mp4Track& track, uint32_t movieTimescale)
     }
     if (track.timescale == 0)
         return 0;
-    const unsigned __int128 scaled = (unsigned __int128)track.MediaDuration() * movieTimescale;
-    return uint64_t((scaled + track.timescale - 1) / track.timescale);
+    // Whole track seconds and the rest apart, so that no product overflows.
+    const uint64_t media = track.MediaDuration();
+    const uint64_t rest = media % track.timescale * movieTimescale;
+    return media / track.timescale * movieTimescale + (rest + track.timescale - 1) / track.timescale;
 }
 
 Bytes Tkhd(const Mp4Track& track, uint32_t trackId, uint64_t duration)
