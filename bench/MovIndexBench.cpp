@@ -320,7 +320,7 @@ void AlternatingPasses(benchmark::State& state)
     state.counters["vek_vs_lavf_info"] = best[OpenAndInfo] / best[Vek];
     state.counters["cpu_vek_vs_lavf_open"] = bestCpu[Open] / bestCpu[Vek];
 }
-BENCHMARK(AlternatingPasses)->Unit(benchmark::kMillisecond)->Iterations(4)->UseRealTime();
+BENCHMARK(AlternatingPasses)->Unit(benchmark::kMillisecond)->Iterations(5)->UseRealTime();
 #endif
 
 } // namespace

@@ -85,17 +85,23 @@ struct Chunk {
     uint64_t position = 0; // from the first byte of the first chunk
 };
 
+// Whole runs at a time, so that a run of a billion samples in a few
+// chunks costs a few steps.
 std::vector<Chunk> TrackChunks(const Mp4Track& track, uint32_t index)
 {
     std::vector<Chunk> chunks;
     const uint64_t perChunk = std::max<uint32_t>(track.samplesPerChunk, 1);
     uint64_t sample = 0;
-    for (SampleCursor cursor(track.samples); !cursor.AtEnd(); cursor.Next(), ++sample) {
-        if (sample % perChunk == 0)
-            chunks.push_back({index, sample, 0, 0, 0});
-        ++chunks.back().samples;
-        chunks.back().bytes += cursor.Sample().size;
-    }
+    for (const Mp4SampleRun& run : track.samples)
+        for (uint64_t left = run.count; left > 0;) {
+            if (sample % perChunk == 0)
+                chunks.push_back({index, sample, 0, 0, 0});
+            const uint64_t take = std::min(left, perChunk - sample % perChunk);
+            chunks.back().samples += take;
+            chunks.back().bytes += take * run.size;
+            sample += take;
+            left -= take;
+        }
     return chunks;
 }
 
@@ -451,57 +457,44 @@ class Sink {
 public:
     virtual ~Sink() = default;
     virtual void Put(const Bytes& bytes) = 0;
-    virtual void Sample(const Mp4Track& track, uint32_t trackId, uint64_t sample, uint32_t size) = 0;
+    // Sample bytes, and samples of a sparse payload.
+    virtual void Payload(const Bytes& bytes) { Put(bytes); }
+    virtual void Zeros(uint64_t count) = 0;
 };
 
-const Bytes* GivenData(const Mp4Track& track, uint64_t sample)
+void PutSample(Sink& sink, const Mp4Movie& movie, uint32_t track, uint64_t sample, uint32_t size)
 {
-    return sample < track.data.size() ? &track.data[sample] : nullptr;
+    const std::vector<Bytes>& data = movie.tracks[track].data;
+    if (movie.payload == Mp4Payload::Sparse)
+        sink.Zeros(size);
+    else if (sample < data.size())
+        sink.Payload(data[sample]);
+    else
+        sink.Payload(Mp4SamplePattern(track + 1, sample, size));
 }
 
 class MemorySink : public Sink {
 public:
-    explicit MemorySink(Mp4Payload payload) : m_payload(payload) {}
     void Put(const Bytes& bytes) override { m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end()); }
-    void Sample(const Mp4Track& track, uint32_t trackId, uint64_t sample, uint32_t size) override
-    {
-        if (m_payload == Mp4Payload::Sparse)
-            m_bytes.insert(m_bytes.end(), size, 0);
-        else if (const Bytes* given = GivenData(track, sample))
-            Put(*given);
-        else
-            Put(Mp4SamplePattern(trackId, sample, size));
-    }
+    void Zeros(uint64_t count) override { m_bytes.insert(m_bytes.end(), size_t(count), 0); }
     Bytes Take() { return std::move(m_bytes); }
 
 private:
-    Mp4Payload m_payload;
     Bytes m_bytes;
 };
 
-// Writes through a stream; sparse samples become a seek past them, so the
-// file system leaves a hole.
+// Writes through a stream; zeros become a seek past them, so that the file
+// system leaves a hole.
 class FileSink : public Sink {
 public:
-    FileSink(const std::string& path, Mp4Payload payload)
-        : m_path(path), m_payload(payload), m_out(path, std::ios::binary | std::ios::trunc)
-    {
-    }
+    explicit FileSink(const std::string& path) : m_path(path), m_out(path, std::ios::binary | std::ios::trunc) {}
     void Put(const Bytes& bytes) override
     {
         SkipHole();
         m_out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
         m_position += bytes.size();
     }
-    void Sample(const Mp4Track& track, uint32_t trackId, uint64_t sample, uint32_t size) override
-    {
-        if (m_payload == Mp4Payload::Sparse)
-            m_hole += size;
-        else if (const Bytes* given = GivenData(track, sample))
-            Put(*given);
-        else
-            Put(Mp4SamplePattern(trackId, sample, size));
-    }
+    void Zeros(uint64_t count) override { m_hole += count; }
     bool Finish()
     {
         m_out.close();
@@ -524,7 +517,6 @@ private:
     }
 
     std::string m_path;
-    Mp4Payload m_payload;
     std::ofstream m_out;
     uint64_t m_position = 0;
     uint64_t m_hole = 0;
@@ -535,15 +527,16 @@ class HeaderSink : public Sink {
 public:
     void Put(const Bytes& bytes) override
     {
-        if (!m_sampleSeen)
+        if (!m_payloadSeen)
             m_bytes += bytes.size();
     }
-    void Sample(const Mp4Track&, uint32_t, uint64_t, uint32_t) override { m_sampleSeen = true; }
+    void Payload(const Bytes&) override { m_payloadSeen = true; }
+    void Zeros(uint64_t) override { m_payloadSeen = true; }
     uint64_t Total() const { return m_bytes; }
 
 private:
     uint64_t m_bytes = 0;
-    bool m_sampleSeen = false;
+    bool m_payloadSeen = false;
 };
 
 void EmitPlain(const Mp4Movie& movie, const Bytes& lead, Sink& sink)
@@ -573,14 +566,19 @@ void EmitPlain(const Mp4Movie& movie, const Bytes& lead, Sink& sink)
     if (movie.moovFirst)
         sink.Put(moov);
     sink.Put(mdatHeader);
-    // Each track's chunks come in order: one cursor per track walks on.
+    // Each track's chunks come in order: one cursor per track walks on. A
+    // sparse chunk is one run of zeros, however many samples it holds.
     std::vector<SampleCursor> cursors;
     for (const Mp4Track& track : movie.tracks)
         cursors.emplace_back(track.samples);
     for (const Chunk& chunk : chunks) {
+        if (movie.payload == Mp4Payload::Sparse) {
+            sink.Zeros(chunk.bytes);
+            continue;
+        }
         SampleCursor& cursor = cursors[chunk.track];
         for (uint64_t i = 0; i < chunk.samples; ++i, cursor.Next())
-            sink.Sample(movie.tracks[chunk.track], chunk.track + 1, chunk.firstSample + i, cursor.Sample().size);
+            PutSample(sink, movie, chunk.track, chunk.firstSample + i, cursor.Sample().size);
     }
     if (!movie.moovFirst)
         sink.Put(moov);
@@ -619,7 +617,7 @@ void EmitFragmented(const Mp4Movie& movie, const Bytes& lead, Sink& sink)
         sink.Put(mdatHeader);
         for (const FragmentRun& run : runs)
             for (size_t i = 0; i < run.samples.size(); ++i)
-                sink.Sample(movie.tracks[run.track], run.track + 1, run.firstSample + i, run.samples[i].size);
+                PutSample(sink, movie, run.track, run.firstSample + i, run.samples[i].size);
     }
 }
 
@@ -910,14 +908,14 @@ std::vector<Mp4GopPicture> Mp4Gop(uint32_t frames, uint32_t bFrames)
 
 Bytes Mp4Movie::Build() const
 {
-    MemorySink sink(payload);
+    MemorySink sink;
     Emit(*this, sink);
     return sink.Take();
 }
 
 bool Mp4Movie::WriteFile(const std::string& path) const
 {
-    FileSink sink(path, payload);
+    FileSink sink(path);
     Emit(*this, sink);
     return sink.Finish();
 }
