@@ -121,6 +121,7 @@ struct Mp4Track {
     // Appends one sample (merged into the last run when alike).
     Mp4Track& Add(uint32_t size, uint32_t duration, int32_t compositionOffset = 0, bool sync = true);
     Mp4Track& Add(const Mp4SampleRun& run);
+    // Both walk the runs: count apart when adding samples one by one.
     uint64_t SampleCount() const;
     uint64_t MediaDuration() const;
 };
@@ -163,7 +164,9 @@ struct Mp4Movie {
     Bytes Build() const;
     // Writes the file; a sparse payload is skipped over, not written.
     bool WriteFile(const std::string& path) const;
-    // Bytes before the first sample: what a reader of the tables reads.
+    // Bytes before the first sample: ftyp and the boxes after it, the moov
+    // when it comes first, the first moof in a fragmented file, and the
+    // mdat header.
     uint64_t HeaderBytes() const;
 };
 
