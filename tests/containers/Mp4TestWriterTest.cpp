@@ -351,6 +351,33 @@ TEST(Mp4TestWriter, WritesTheFileItBuildsAndLeavesSparsePayloadAHole)
 #endif
 }
 
+// A sample size table of one size for all when it can, of every size
+// otherwise; one size of 0 would announce a table that is not there.
+TEST(Mp4TestWriter, WritesOneSampleSizeOnlyWhenItIsNotZero)
+{
+    const struct {
+        const char* name;
+        std::vector<uint32_t> sizes;
+        bool table;
+    } cases[] = {
+        {"no samples", {}, false},
+        {"all of 7 bytes", {7, 7, 7}, false},
+        {"all empty", {0, 0, 0}, true},
+        {"mixed", {7, 7, 8}, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Mp4Movie movie;
+        movie.tracks = {Aac(0, 2)};
+        for (uint32_t size : c.sizes)
+            movie.tracks[0].Add(size, 1024);
+        const Bytes file = movie.Build();
+        const auto stsz = FindMp4Box(file, "moov/trak/mdia/minf/stbl/stsz");
+        ASSERT_TRUE(stsz);
+        EXPECT_EQ(stsz->size, 20u + (c.table ? 4 * c.sizes.size() : 0));
+    }
+}
+
 TEST(Mp4TestWriter, FindsBoxesByPathThroughEverySizeForm)
 {
     Mp4Movie movie = TwoTracks();

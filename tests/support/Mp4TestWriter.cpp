@@ -182,7 +182,9 @@ Bytes Stsz(const Mp4Track& track)
     const uint64_t count = track.SampleCount();
     const auto sizes = TableRuns(track.samples, [](const Mp4SampleRun& s) { return int64_t(s.size); });
     ByteWriter w(true);
-    if (sizes.size() <= 1) {
+    // One size for all, unless that size is 0: a size of 0 announces a
+    // table of sizes.
+    if (sizes.empty() || (sizes.size() == 1 && sizes[0].second != 0)) {
         w.U32(sizes.empty() ? 0 : uint32_t(sizes[0].second)).U32(uint32_t(count));
     } else {
         w.U32(0).U32(uint32_t(count));
