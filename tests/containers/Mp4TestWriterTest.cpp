@@ -382,6 +382,7 @@ TEST(Mp4TestWriter, FindsBoxesByPathThroughEverySizeForm)
 {
     Mp4Movie movie = TwoTracks();
     movie.tracks[1].co64 = true;
+    movie.tracks[1].mediaHeader = Mp4Container("gmhd", {Mp4FullBox("gmin", 0, 0, Bytes(12, 0))});
     movie.mdatSize = BoxSize::Large;
     Bytes file = movie.Build();
     const struct {
@@ -392,6 +393,8 @@ TEST(Mp4TestWriter, FindsBoxesByPathThroughEverySizeForm)
         {"moov/trak[1]/mdia/minf/stbl/co64", 8},
         {"moov/trak[1]/mdia/minf/stbl/stsd/mp4a", 8},
         {"moov/trak/mdia/minf/dinf/dref/url ", 8},
+        {"moov/trak[0]/mdia/minf/vmhd", 8},
+        {"moov/trak[1]/mdia/minf/gmhd/gmin", 8},
         {"mdat", 16},
     };
     for (const auto& c : cases) {
@@ -403,6 +406,7 @@ TEST(Mp4TestWriter, FindsBoxesByPathThroughEverySizeForm)
                   c.path.substr(c.path.rfind('/') + 1));
     }
     EXPECT_FALSE(FindMp4Box(file, "moov/trak[2]"));
+    EXPECT_FALSE(FindMp4Box(file, "moov/trak[1]/mdia/minf/smhd"));
     EXPECT_FALSE(FindMp4Box(file, "moov/mdia"));
 
     // Each track's media header carries its time scale.

@@ -274,7 +274,7 @@ Bytes Minf(const Mp4Movie& movie, const Mp4Track& track, const std::vector<uint6
 {
     const Bytes url = Mp4FullBox("url ", 0, 1, {});
     const Bytes dref = Mp4FullBox("dref", 0, 0, ByteWriter(true).U32(1).Append(url).Get());
-    std::vector<Bytes> children = {MediaHeader(track.handler)};
+    std::vector<Bytes> children = {track.mediaHeader.value_or(MediaHeader(track.handler))};
     if (movie.quickTime)
         children.push_back(Handler("dhlr", "alis", "DataHandler", true));
     children.push_back(Mp4Container("dinf", {dref}));

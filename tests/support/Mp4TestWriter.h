@@ -115,6 +115,9 @@ struct Mp4Track {
     std::vector<Bytes> data;
     std::vector<Bytes> extraTrak;    // after tkhd and edts
     std::vector<Bytes> extraStbl;    // after the sample tables
+    // In place of the vmhd, smhd or nmhd the handler calls for ('gmhd' of
+    // QuickTime timecode and text tracks).
+    std::optional<Bytes> mediaHeader;
     bool co64 = false;               // 64-bit chunk offsets even when 32 bits hold them
     bool version1 = false;           // 64-bit times in tkhd, mdhd and elst
 
