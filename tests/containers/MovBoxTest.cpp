@@ -10,6 +10,7 @@
 #include <vector>
 
 using namespace Quorvex::Vek;
+using VekTest::LogCapture;
 
 namespace {
 
@@ -112,7 +113,7 @@ TEST(MovBoxIterator, RefusesSizesThatDoNotFitTheParent)
                           {"cut user type", cutUuid},    {"stray bytes", stray}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        LogCapture log;
+        LogCapture log(LogLevel::Error);
         EXPECT_EQ(Walk(c.bytes).end, RESULT_FORMAT_ERROR);
         EXPECT_GE(log.Count("in 'moov'"), 1u);
     }

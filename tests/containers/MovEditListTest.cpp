@@ -8,6 +8,7 @@
 #include <vector>
 
 using namespace Quorvex::Vek;
+using VekTest::LogCapture;
 
 namespace {
 
@@ -106,7 +107,7 @@ TEST(MovEditList, RefusesListsThatCannotBeRead)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        LogCapture log;
+        LogCapture log(LogLevel::Error);
         MovEditList list;
         EXPECT_EQ(list.Read(BoxOver(c.payload), c.movieTimeScale, 48000), RESULT_FORMAT_ERROR);
         EXPECT_EQ(log.Count("'elst'"), 1u);
