@@ -214,6 +214,10 @@ int CMovieFileReader::OpenFile()
     m_fileSize = m_stream->GetLength();
     if (m_fileSize < 0)
         m_fileSize = INT64_MAX;
+    // Descriptions are read by the file's own family, whichever reader was chosen.
+    m_fileFamily = MovFileProbe::Probe(m_stream);
+    if (m_fileFamily == MovFamily::None)
+        m_fileFamily = m_family;
     return RESULT_OK;
 }
 
@@ -529,7 +533,7 @@ int CMovieFileReader::ReadSampleDescriptions(const MovBox& stsd, MovTrack& track
 
 int CMovieFileReader::DescribeEntry(const MovBox& entry, MovTrack& track)
 {
-    const bool quickTime = m_family == MovFamily::QuickTime;
+    const bool quickTime = m_fileFamily == MovFamily::QuickTime;
     int result = RESULT_OK;
     switch (track.kind) {
     case MovTrack::Kind::Video:
@@ -673,6 +677,8 @@ int CMovieFileReader::PublishVideo(MovTrack& track)
         }
     }
     track.nalLengthSize = FindNalLengthSize(track);
+    // Fixed once: fragments read later must not move earlier samples.
+    track.decodeLead = track.table.GetCompositionToDecodeShift();
     m_video = &track;
     return RESULT_OK;
 }
@@ -808,9 +814,12 @@ int CMovieFileReader::MakeVideoSample(MovTrack& track, const MovSample& found, C
         type = CVideoSample::B;
     if (presentation > track.highestPresentation)
         track.highestPresentation = presentation;
-    made->SetTime(found.decodeTime + track.GetShift());
+    // Negative offsets ('ctts' version 1) move decoding earlier instead,
+    // so that no picture is presented before it is decoded.
+    const int64_t lead = track.decodeLead;
+    made->SetTime(found.decodeTime - lead + track.GetShift());
     made->SetDuration(int32_t(found.duration > INT32_MAX ? INT32_MAX : found.duration));
-    made->SetCompositionOffset(found.compositionOffset);
+    made->SetCompositionOffset(int32_t(found.compositionOffset + lead));
     made->SetPictureType(type);
     int32_t hint = found.sync ? CMediaSample::KeyFrameAligned : 0;
     hint |= Place(track, presentation, found.duration, made);

@@ -120,6 +120,7 @@ private:
     int32_t Place(const MovTrack& track, int64_t start, int64_t duration, CMediaSample* sample) const;
 
     const MovFamily m_family;
+    MovFamily m_fileFamily = MovFamily::None;
     RObject<CStream> m_stream;
     int64_t m_fileSize = 0;
     uint32_t m_movieTimeScale = 0;

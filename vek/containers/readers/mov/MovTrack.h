@@ -44,6 +44,7 @@ struct VEK_API MovTrack {
     MovAudioLayout audioLayout;
     MovTimeCodeDescription timeCode = {};
     MovTrackDefaults fragmentDefaults; // 'trex'
+    int64_t decodeLead = 0; // video: how much earlier samples decode than their table says (negative offsets)
     int32_t nalLengthSize = 0; // AVC and HEVC samples: bytes of each NAL length, 0 for others
 
     // Hand-out state.
