@@ -459,6 +459,13 @@ int CMovieFileReader::ReadMedia(const MovBox& mdia, MovTrack& track, const MovBo
         Log(LogLevel::Warning, "%s: track %u is read without its edit list\n", GetFormatName(), track.trackId);
         track.edits = MovEditList();
     }
+    if (!track.edits.IsEmpty() && track.edits.GetMediaStart() >= track.table.GetDuration() &&
+        track.table.GetSampleCount() > 0) {
+        Log(LogLevel::Warning, "%s: track %u 'elst' starts at media time %lld, past the media's %lld; ignored\n",
+            GetFormatName(), track.trackId, static_cast<long long>(track.edits.GetMediaStart()),
+            static_cast<long long>(track.table.GetDuration()));
+        track.edits = MovEditList();
+    }
     return ReadSampleDescriptions(stsd, track);
 }
 
