@@ -52,7 +52,9 @@ const Variant Variants[] = {
     {"mov_mjpeg_alaw", Video, "-f lavfi -i sine=d=2:sample_rate=8000 -c:v mjpeg -c:a pcm_alaw -f mov", true},
     {"mov_dnxhd_alac", "testsrc=d=1:s=1280x720:r=25",
      "-f lavfi -i sine=d=1 -c:v dnxhd -b:v 90M -pix_fmt yuv422p -c:a alac -f mov", false},
-    {"mov_timecode", Video, "-c:v libx264 -timecode 01:00:00:12 -f mov", false},
+    {"mov_timecode", Video, "-c:v libx264 -timecode 01:00:00:12 -metadata title=Zürich -f mov", false},
+    {"mov_c608", "testsrc=d=2:s=176x144:r=30000/1001", "-i CAPTIONS.scc -c:v libx264 -c:s copy -f mov", false},
+    {"mp4_tx3g", Video, "-i SUBTITLES.srt -c:v libx264 -c:s mov_text -metadata title=Tx3g -f mp4", false},
     {"mp4_two_audio", Video,
      "-f lavfi -i sine=d=2 -f lavfi -i sine=d=2:f=880 -map 0 -map 1 -map 2 -c:v libx264 -c:a aac -f mp4", false},
 };
@@ -64,6 +66,11 @@ protected:
         if (!HasFfmpeg())
             return;
         s_dir = new TempDir();
+        WriteFile(s_dir->File("CAPTIONS.scc"),
+                  "Scenarist_SCC V1.0\n\n00:00:00:00\t9420 9420 94ae 94ae 9452 9452 97a2 97a2 c8e5 ecec ef80 942c "
+                  "942c 942f 942f\n\n00:00:01:00\t942c 942c\n");
+        WriteFile(s_dir->File("SUBTITLES.srt"), "1\n00:00:00,500 --> 00:00:01,500\nHello\n\n"
+                                                 "2\n00:00:01,700 --> 00:00:01,900\nagain\n");
     }
     static void TearDownTestSuite()
     {
@@ -89,12 +96,34 @@ int64_t SumOf(const std::vector<TrackPacket>& packets, int64_t TrackPacket::*fie
     return sum;
 }
 
+std::string TextProperty(CContainerReader* reader, const char* key)
+{
+    CByteArray* value = reader->GetProperty(key);
+    return value ? std::string(reinterpret_cast<const char*>(value->GetData()), size_t(value->GetLength())) : "";
+}
+
+// The start timecode and the title against ffprobe's tags.
+void ExpectContainerFactsEqual(CContainerReader* reader, const std::string& path)
+{
+    const std::string timecodes = Probe(path, "-show_entries stream_tags=timecode");
+    const std::vector<std::string> timecode = JsonValues(timecodes, "timecode");
+    if (!timecode.empty())
+        EXPECT_EQ(TextProperty(reader, ContainerProperty::TimeCode), timecode.front());
+    const std::string title = JsonValue(Probe(path, "-show_entries format_tags=title"), "title");
+    if (!title.empty())
+        EXPECT_EQ(TextProperty(reader, ContainerProperty::MovTitle), title);
+}
+
 TEST_P(MovReaderFiles, SamplesEqualFfprobePackets)
 {
     const Variant& variant = GetParam();
     if (!s_dir)
         GTEST_SKIP() << "ffmpeg is not installed";
-    const std::string file = Encode(*s_dir, variant.input, variant.options, std::string(variant.name) + ".mov");
+    std::string options = variant.options;
+    for (const char* name : {"CAPTIONS.scc", "SUBTITLES.srt"})
+        if (options.find(name) != std::string::npos)
+            options.replace(options.find(name), std::strlen(name), "'" + s_dir->File(name) + "'");
+    const std::string file = Encode(*s_dir, variant.input, options, std::string(variant.name) + ".mov");
     if (file.empty())
         GTEST_SKIP() << "ffmpeg could not write " << variant.name;
     const std::string path = s_dir->File(std::string(variant.name) + ".mov");
@@ -107,6 +136,8 @@ TEST_P(MovReaderFiles, SamplesEqualFfprobePackets)
     const auto count = [&](const char* type) { return int32_t(std::count(types.begin(), types.end(), type)); };
     ASSERT_EQ(reader->GetVideoMediaCount(), std::min(count("video"), 1));
     ASSERT_EQ(reader->GetAudioMediaCount(), count("audio"));
+    ASSERT_EQ(reader->GetSubtitleMediaCount(), count("subtitle"));
+    ExpectContainerFactsEqual(reader, path);
 
     if (reader->GetVideoMediaCount() == 1) {
         SCOPED_TRACE("video");
@@ -137,6 +168,43 @@ TEST_P(MovReaderFiles, SamplesEqualFfprobePackets)
         EXPECT_EQ(ours.front().position, theirs.front().position);
         EXPECT_EQ(SumOf(ours, &TrackPacket::size), SumOf(theirs, &TrackPacket::size));
         EXPECT_EQ(SumOf(ours, &TrackPacket::duration), SumOf(theirs, &TrackPacket::duration));
+    }
+}
+
+TEST_P(MovReaderFiles, SubtitlesEqualFfprobePackets)
+{
+    const Variant& variant = GetParam();
+    if (!s_dir || std::string(variant.options).find("-c:s") == std::string::npos)
+        GTEST_SKIP() << "no subtitles in this file";
+    const std::string path = s_dir->File(std::string(variant.name) + ".mov");
+    const std::string file = ReadFile(path);
+    if (file.empty())
+        GTEST_SKIP() << "the file was not written";
+    auto opened = OpenReader<Reader>(ToBytes(file));
+    ASSERT_EQ(opened.result, RESULT_OK);
+    ASSERT_EQ(opened.reader->GetSubtitleMediaCount(), 1);
+    // ffmpeg drops the samples no edit shows (we keep them, excluded), and
+    // hands out caption atoms as cc_data triplets of another size.
+    const bool captions = std::string(variant.options).find("scc") != std::string::npos;
+    std::vector<TrackPacket> shown;
+    for (const TrackPacket& packet : ReadTrackPackets(opened.reader, TrackKind::Subtitle, 0))
+        if (!packet.discard)
+            shown.push_back(packet);
+    const std::vector<TrackPacket> probed = ProbeTrackPackets(path, "s:0");
+    ASSERT_EQ(shown.size(), probed.size());
+    for (size_t i = 0; i < shown.size(); ++i) {
+        SCOPED_TRACE("subtitle " + std::to_string(i));
+        EXPECT_EQ(shown[i].dts, probed[i].dts);
+        EXPECT_EQ(shown[i].duration, probed[i].duration);
+        EXPECT_EQ(shown[i].position, probed[i].position);
+        if (!captions)
+            EXPECT_EQ(shown[i].size, probed[i].size);
+    }
+    if (captions) {
+        EXPECT_EQ(opened.reader->GetSubtitleProperties(0)->GetFormat(), SubtitleFormat::C608);
+        CByteArray* caption = opened.reader->GetProperty(ContainerProperty::MovCaptionType);
+        ASSERT_NE(caption, nullptr);
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(caption->GetData()), 4), "c608");
     }
 }
 
