@@ -263,7 +263,7 @@ void DescribeProRes(uint32_t type, VideoStreamFacts& facts)
     case MovType("apcn"): facts.profile = "Standard"; break;
     case MovType("apch"): facts.profile = "HQ"; break;
     case MovType("ap4h"): facts.profile = "4444"; break;
-    default: facts.profile = "4444 XQ"; break;
+    default: facts.profile = "XQ"; break;
     }
 }
 
