@@ -519,7 +519,9 @@ int DescribeAlac(const MovBox& entry, const MovBox& children, CAudioProperties* 
 
 } // namespace
 
-int ReadAudioDescription(const MovBox& entry, bool quickTime, CAudioProperties* audio, MovAudioLayout& layout)
+namespace {
+
+int DescribeEntry(const MovBox& entry, bool quickTime, CAudioProperties* audio, MovAudioLayout& layout)
 {
     if (!audio)
         return RESULT_ARGUMENT_NULL;
@@ -548,6 +550,19 @@ int ReadAudioDescription(const MovBox& entry, bool quickTime, CAudioProperties* 
         Log(LogLevel::Info, "%s: audio format '%s' is not described\n", Owner, FourCCText(entry.type).c_str());
         return 1;
     }
+}
+
+} // namespace
+
+int ReadAudioDescription(const MovBox& entry, bool quickTime, CAudioProperties* audio, MovAudioLayout& layout)
+{
+    const int result = DescribeEntry(entry, quickTime, audio, layout);
+    if (result == RESULT_ARGUMENT_OUT_OF_RANGE) {
+        // A value the entry states that no description can hold.
+        Log(LogLevel::Error, "%s: '%s' entry states a value out of range\n", Owner, FourCCText(entry.type).c_str());
+        return RESULT_FORMAT_ERROR;
+    }
+    return result;
 }
 
 } // namespace Quorvex::Vek
