@@ -131,32 +131,58 @@ uint32_t DefaultMask(uint32_t channels)
     return channels == 1 ? uint32_t(ChannelMask::FrontCenter) : channels == 2 ? uint32_t(ChannelMask::Stereo) : 0u;
 }
 
-// A Core Audio layout tag's speakers (its high half is the layout, its
-// low half the channel count) for the common layouts.
-uint32_t MaskOfLayoutTag(uint32_t tag)
+// Speakers in channel order: up to eight WAVE mask bits, or a mask whose
+// bits give the order.
+struct SpeakerOrder {
+    uint8_t bits[8] = {};
+    int32_t count = 0;
+    uint32_t mask = 0;
+};
+
+// The Core Audio layouts files commonly carry (the tag's high half names
+// the layout, its low half counts the channels). Surround speakers are the
+// side ones, as the common decoders read them.
+bool OrderOfLayoutTag(uint32_t tag, SpeakerOrder& order)
 {
-    using namespace ChannelMask;
-    switch (tag >> 16) {
-    case 100: return FrontCenter; // mono
-    case 101: // stereo
-    case 102: // headphones
-    case 103: return Stereo; // matrixed
-    case 113: return Stereo | FrontCenter; // 3.0
-    case 116: return Stereo | FrontCenter | BackCenter; // 4.0
-    case 120: return Stereo | FrontCenter | BackLeft | BackRight; // 5.0
-    case 121: // 5.1 in its orders
-    case 122:
-    case 123:
-    case 124: return Stereo | FrontCenter | LowFrequency | BackLeft | BackRight;
-    case 125: return Stereo | FrontCenter | LowFrequency | BackLeft | BackRight | BackCenter; // 6.1
-    case 126: return Stereo | FrontCenter | LowFrequency | BackLeft | BackRight | FrontLeftOfCenter | FrontRightOfCenter;
-    default: return 0;
+    enum : uint8_t { L = 0, R = 1, C = 2, Lfe = 3, Lc = 6, Rc = 7, Cs = 8, Ls = 9, Rs = 10 };
+    struct Row {
+        uint16_t layout;
+        uint8_t count;
+        uint8_t bits[8];
+    };
+    static const Row rows[] = {
+        {100, 1, {C}},
+        {101, 2, {L, R}},
+        {102, 2, {L, R}},
+        {103, 2, {L, R}},
+        {113, 3, {L, R, C}},
+        {114, 3, {C, L, R}},
+        {115, 4, {L, R, C, Cs}},
+        {116, 4, {C, L, R, Cs}},
+        {117, 5, {L, R, C, Ls, Rs}},
+        {118, 5, {L, R, Ls, Rs, C}},
+        {119, 5, {L, C, R, Ls, Rs}},
+        {120, 5, {C, L, R, Ls, Rs}},
+        {121, 6, {L, R, C, Lfe, Ls, Rs}},
+        {122, 6, {L, R, Ls, Rs, C, Lfe}},
+        {123, 6, {L, C, R, Ls, Rs, Lfe}},
+        {124, 6, {C, L, R, Ls, Rs, Lfe}},
+        {125, 7, {L, R, C, Lfe, Ls, Rs, Cs}},
+        {126, 8, {L, R, C, Lfe, Ls, Rs, Lc, Rc}},
+    };
+    for (const Row& row : rows) {
+        if (row.layout != tag >> 16)
+            continue;
+        order.count = row.count;
+        std::memcpy(order.bits, row.bits, sizeof order.bits);
+        return true;
     }
+    return false;
 }
 
 // 'chan': a layout tag, a bitmap (whose bits are the WAVE mask's), or one
 // label per channel (label n is mask bit n - 1 for the first 18 labels).
-int ReadChannelLayout(const MovBox& chan, uint32_t& mask)
+int ReadChannelLayout(const MovBox& chan, SpeakerOrder& order)
 {
     MovFieldReader fields(chan);
     fields.Skip(4);
@@ -166,41 +192,47 @@ int ReadChannelLayout(const MovBox& chan, uint32_t& mask)
     if (fields.Failed())
         return Refuse(MovType("chan"), "atom is too short:", int64_t(chan.size));
     if (tag == 0x10000) {
-        mask = bitmap;
+        order.mask = bitmap;
         return RESULT_OK;
     }
     if (tag != 0) {
-        mask = MaskOfLayoutTag(tag);
+        if (!OrderOfLayoutTag(tag, order))
+            Log(LogLevel::Detail, "%s: 'chan' layout tag 0x%08X leaves the speakers unknown\n", Owner, tag);
         return RESULT_OK;
     }
     if (count > fields.Remaining() / 20)
         return Refuse(MovType("chan"), "channel descriptions that do not fit the atom:", count);
-    mask = 0;
+    uint32_t mask = 0;
     for (uint32_t i = 0; i < count; ++i) {
         const uint32_t label = fields.Read32();
         fields.Skip(16);
-        if (label == 0 || label > 18 || (mask & 1u << (label - 1))) {
-            mask = 0; // a label the mask cannot hold: positions unknown
-            return RESULT_OK;
-        }
+        if (label == 0 || label > 18 || (mask & 1u << (label - 1)))
+            return RESULT_OK; // a label the mask cannot hold: positions unknown
         mask |= 1u << (label - 1);
     }
+    order.mask = mask;
     return RESULT_OK;
 }
 
 int SetChannels(const MovBox& children, CAudioProperties* audio, int32_t channels, uint32_t codecMask)
 {
-    MovBox chan;
-    uint32_t mask = codecMask;
-    int result = FindConfig(children, MovType("chan"), chan);
-    if (result < 0)
-        return result;
-    if (result == RESULT_OK && (result = ReadChannelLayout(chan, mask)) < 0)
-        return result;
-    if (mask == 0)
-        mask = DefaultMask(uint32_t(channels));
     if (channels <= 0 || channels > CAudioProperties::MaxChannels)
         return Refuse(MovType("soun"), "channel count", channels);
+    MovBox chan;
+    SpeakerOrder order;
+    order.mask = codecMask;
+    int result = FindConfig(children, MovType("chan"), chan);
+    if (result < 0 || (result == RESULT_OK && (result = ReadChannelLayout(chan, order)) < 0))
+        return result;
+    if (order.count == channels) {
+        if ((result = audio->SetChannels(channels)) < 0)
+            return result;
+        for (int32_t i = 0; i < channels; ++i)
+            if ((result = audio->SetSpeakerPosition(i, uint32_t(order.bits[i]) + 1)) < 0)
+                return result;
+        return RESULT_OK;
+    }
+    const uint32_t mask = order.mask != 0 ? order.mask : DefaultMask(uint32_t(channels));
     return AudioTrackFacts::SetChannels(audio, channels, mask);
 }
 
@@ -487,7 +519,9 @@ int DescribeAlac(const MovBox& entry, const MovBox& children, CAudioProperties* 
 
 } // namespace
 
-int ReadAudioDescription(const MovBox& entry, bool quickTime, CAudioProperties* audio, MovAudioLayout& layout)
+namespace {
+
+int DescribeEntry(const MovBox& entry, bool quickTime, CAudioProperties* audio, MovAudioLayout& layout)
 {
     if (!audio)
         return RESULT_ARGUMENT_NULL;
@@ -516,6 +550,19 @@ int ReadAudioDescription(const MovBox& entry, bool quickTime, CAudioProperties* 
         Log(LogLevel::Info, "%s: audio format '%s' is not described\n", Owner, FourCCText(entry.type).c_str());
         return 1;
     }
+}
+
+} // namespace
+
+int ReadAudioDescription(const MovBox& entry, bool quickTime, CAudioProperties* audio, MovAudioLayout& layout)
+{
+    const int result = DescribeEntry(entry, quickTime, audio, layout);
+    if (result == RESULT_ARGUMENT_OUT_OF_RANGE) {
+        // A value the entry states that no description can hold.
+        Log(LogLevel::Error, "%s: '%s' entry states a value out of range\n", Owner, FourCCText(entry.type).c_str());
+        return RESULT_FORMAT_ERROR;
+    }
+    return result;
 }
 
 } // namespace Quorvex::Vek

@@ -263,7 +263,7 @@ void DescribeProRes(uint32_t type, VideoStreamFacts& facts)
     case MovType("apcn"): facts.profile = "Standard"; break;
     case MovType("apch"): facts.profile = "HQ"; break;
     case MovType("ap4h"): facts.profile = "4444"; break;
-    default: facts.profile = "4444 XQ"; break;
+    default: facts.profile = "XQ"; break;
     }
 }
 
@@ -432,7 +432,16 @@ int ReadVideoDescription(const MovBox& entry, bool quickTime, CVideoProperties* 
     if ((result = ApplyRefinements(children, facts)) < 0)
         return result;
     (void)quickTime; // no video atom differs between the two families yet
-    return facts.Apply(video);
+    result = facts.Apply(video);
+    if (result == RESULT_ARGUMENT_OUT_OF_RANGE) {
+        // The codec's headers parse but state an impossible size, aspect or rate.
+        Log(LogLevel::Error, "%s: '%s' entry: %dx%d, pixel aspect %lld:%lld, rate %lld/%lld cannot be a description\n",
+            Owner, FourCCText(entry.type).c_str(), facts.width, facts.height,
+            static_cast<long long>(facts.aspectNumerator), static_cast<long long>(facts.aspectDenominator),
+            static_cast<long long>(facts.frameRateNumerator), static_cast<long long>(facts.frameRateDenominator));
+        return RESULT_FORMAT_ERROR;
+    }
+    return result;
 }
 
 } // namespace Quorvex::Vek
