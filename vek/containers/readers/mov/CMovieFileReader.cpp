@@ -9,6 +9,8 @@
 #include <vek/core/Log.h>
 #include <vek/elementary/AvcDecoderConfiguration.h>
 #include <vek/elementary/HevcDecoderConfiguration.h>
+#include <vek/elementary/MpegAudioFrameHeader.h>
+#include <vek/media/AudioFormat.h>
 #include <vek/io/BigEndian.h>
 #include <vek/media/ContainerProperty.h>
 #include <vek/media/ContainerReaderProperty.h>
@@ -702,11 +704,41 @@ int CMovieFileReader::PublishAudio(MovTrack& track)
         result = track.audio->SetDuration(GetTrackDuration(track));
     if (result < 0)
         return result;
+    if ((result = ReadMpegAudioLayout(track)) < 0)
+        return result;
     if (track.audioLayout.pcm && track.audioLayout.bytesPerFrame == 0) {
         Log(LogLevel::Warning, "%s: PCM track %u states no frame size; skipped\n", GetFormatName(), track.trackId);
         return RESULT_OK;
     }
     m_audio[m_audioCount++] = &track;
+    return RESULT_OK;
+}
+
+// MP3 in MP4: writers put any channel count in the sample entry (ffmpeg
+// writes 2); the first frame's header tells the truth.
+int CMovieFileReader::ReadMpegAudioLayout(MovTrack& track)
+{
+    const uint32_t format = track.audio->GetFormat();
+    if (format != AudioFormat::MP3 && format != AudioFormat::MPEG)
+        return RESULT_OK;
+    MovSample first;
+    const int found = track.cursor.Next(first);
+    track.cursor.Seek(0);
+    if (found != RESULT_OK || first.size < 4)
+        return RESULT_OK;
+    RObject<CByteArray> bytes(CByteArray::Create(nullptr, 4));
+    if (!bytes || !bytes->GetData())
+        return RESULT_OUT_OF_MEMORY;
+    MpegAudioFrameHeader header;
+    if (ReadData(m_stream, first.position, bytes) < 0 || !MpegAudioFrameHeader::Parse(bytes->GetData(), header))
+        return RESULT_OK;
+    if (header.channels != track.audio->GetChannels()) {
+        Log(LogLevel::Info, "%s: track %u states %d channels, its MPEG audio frames %d\n", GetFormatName(),
+            track.trackId, track.audio->GetChannels(), header.channels);
+        const int result = track.audio->SetChannels(header.channels);
+        if (result < 0)
+            return result;
+    }
     return RESULT_OK;
 }
 

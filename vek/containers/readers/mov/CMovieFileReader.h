@@ -105,6 +105,7 @@ private:
     int PublishVideo(MovTrack& track);
     int PublishAudio(MovTrack& track);
     int PublishSubtitle(MovTrack& track);
+    int ReadMpegAudioLayout(MovTrack& track);
     int ReportChapters(const MovTrack& track);
     int ApplyTimeCode(MovTrack& track);
     static int64_t GetTrackDuration(const MovTrack& track);
