@@ -11,7 +11,9 @@
 #include <vek/core/Log.h>
 #include <vek/core/Result.h>
 
+#include <algorithm>
 #include <climits>
+#include <cstdio>
 #include <vector>
 
 using namespace Quorvex::Vek;
@@ -433,6 +435,7 @@ TEST(MovSampleTable, CompositionShift)
         {"no offsets", {}, {}, 0},
         {"positive offsets", {{20, 300}}, {}, 0},
         {"negative offsets", {{2, uint32_t(-900)}, {3, uint32_t(-40)}, {15, 10}}, {}, 900},
+        {"negative offsets past the samples", {{20, 10}, {5, uint32_t(-900)}}, {}, 0},
         {"cslg version 0", {{2, uint32_t(-900)}, {18, 0}}, FullBox("cslg", 0, 0, v0.Get()), 700},
         {"cslg version 1", {{20, 0}}, FullBox("cslg", 1, 0, v1.Get()), 1234},
         {"cslg negative", {{20, 0}}, FullBox("cslg", 0, 0, negative.Get()), 0},

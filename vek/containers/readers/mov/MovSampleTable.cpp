@@ -360,7 +360,6 @@ int MovSampleTable::ReadCompositionOffsets(const MovBox& box)
         const int32_t offset = int32_t(BigEndian::Load32(entries + size_t(i) * 8 + 4));
         if (samples == 0)
             continue;
-        m_minOffset = std::min(m_minOffset, offset);
         const int32_t last = m_offsetRuns.Count() - 1;
         if (last >= 0 && m_offsetRuns[last].offset == offset && m_offsetRuns[last].count <= UINT32_MAX - samples)
             m_offsetRuns[last].count += samples;
@@ -478,8 +477,11 @@ int MovSampleTable::KeepSamples(uint32_t count)
             covered, count);
         if (!Append(m_offsetRuns, OffsetRun{uint32_t(count - covered), 0}))
             return OutOfMemory("'ctts' runs");
-        m_minOffset = std::min(m_minOffset, 0);
     }
+    // The shift covers the samples kept, not entries past them.
+    m_minOffset = 0;
+    for (int32_t i = 0; i < m_offsetRuns.Count(); ++i)
+        m_minOffset = std::min(m_minOffset, m_offsetRuns[i].offset);
 
     int32_t syncRuns = 0;
     while (syncRuns < m_syncRuns.Count() && m_syncRuns[syncRuns].first < count) {
