@@ -84,21 +84,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int64_t fileSize = int64_t(size) * 16 + 64;
 
     MovSampleTable movie;
-    if (movie.Read(BoxOf(MovType("stbl"), data, size, 0), fileSize) == 0)
+    if (movie.Read(BoxOf(Four("stbl"), data, size, 0), fileSize) == 0)
         CheckTable(movie, fileSize, true);
 
     MovSampleTable first, second;
     MovFragmentTrack tracks[2] = {{1, {1, 10, 4, 0x10000}, &first}, {2, {}, &second}};
-    (void)ReadMovieFragment(BoxOf(MovType("moof"), data, size, 16), tracks, 2, fileSize);
+    (void)ReadMovieFragment(BoxOf(Four("moof"), data, size, 16), tracks, 2, fileSize);
     CheckTable(first, fileSize, true);
     CheckTable(second, fileSize, true);
-    (void)ReadMovieExtends(BoxOf(MovType("mvex"), data, size, 0), tracks, 2);
+    (void)ReadMovieExtends(BoxOf(Four("mvex"), data, size, 0), tracks, 2);
 
     MovSegmentIndex index;
-    (void)ReadSegmentIndex(BoxOf(MovType("sidx"), data, size, 0), index);
+    (void)ReadSegmentIndex(BoxOf(Four("sidx"), data, size, 0), index);
     MovTrackRandomAccess access;
-    (void)ReadTrackFragmentRandomAccess(BoxOf(MovType("tfra"), data, size, 0), access);
+    (void)ReadTrackFragmentRandomAccess(BoxOf(Four("tfra"), data, size, 0), access);
     uint32_t mfraSize = 0;
-    (void)ReadMovieFragmentRandomAccessOffset(BoxOf(MovType("mfro"), data, size, 0), mfraSize);
+    (void)ReadMovieFragmentRandomAccessOffset(BoxOf(Four("mfro"), data, size, 0), mfraSize);
     return 0;
 }

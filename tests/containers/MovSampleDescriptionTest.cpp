@@ -32,15 +32,15 @@ bool FindFirstEntry(const uint8_t* data, size_t size, uint32_t parentType, MovBo
     MovBox box;
     while (boxes.Next(box) == RESULT_OK) {
         switch (box.type) {
-        case MovType("moov"):
-        case MovType("trak"):
-        case MovType("mdia"):
-        case MovType("minf"):
-        case MovType("stbl"):
+        case Four("moov"):
+        case Four("trak"):
+        case Four("mdia"):
+        case Four("minf"):
+        case Four("stbl"):
             if (FindFirstEntry(box.payload, box.size, box.type, entry))
                 return true;
             break;
-        case MovType("stsd"): {
+        case Four("stsd"): {
             if (box.size < 8)
                 return false;
             MovBoxIterator entries(box.payload + 8, box.size - 8, box.PayloadOffset() + 8, box.type);
@@ -156,7 +156,7 @@ const VideoCase VideoCases[] = {
     {"mjpeg", "mjpeg", "-c:v mjpeg -pix_fmt yuvj420p", "mov", VideoFormat::MJPEG},
     {"v210", "v210", "-c:v v210", "mov", VideoFormat::YUV},
     {"uyvy", "rawvideo", "-c:v rawvideo -pix_fmt uyvy422", "mov", VideoFormat::YUV},
-    {"rgb24", "rawvideo", "-c:v rawvideo -pix_fmt rgb24", "mov", MovType("RGB ")},
+    {"rgb24", "rawvideo", "-c:v rawvideo -pix_fmt rgb24", "mov", Four("RGB ")},
 };
 
 class MovVideoDescriptionTest : public testing::TestWithParam<VideoCase> {};
@@ -325,13 +325,13 @@ TEST(MovSubtitleDescriptionTest, NamesTheFormatOfEachEntry)
         uint32_t format;
     };
     const Case cases[] = {
-        {MovType("c608"), 8, 0, SubtitleFormat::C608},
-        {MovType("c708"), 8, 0, SubtitleFormat::C708},
-        {MovType("wvtt"), 8, 0, SubtitleFormat::VTT},
-        {MovType("tx3g"), 38, 0, MovType("tx3g")},
-        {MovType("tx3g"), 37, RESULT_FORMAT_ERROR, 0},
-        {MovType("text"), 20, RESULT_FORMAT_ERROR, 0},
-        {MovType("stpp"), 40, 1, 0},
+        {Four("c608"), 8, 0, SubtitleFormat::C608},
+        {Four("c708"), 8, 0, SubtitleFormat::C708},
+        {Four("wvtt"), 8, 0, SubtitleFormat::VTT},
+        {Four("tx3g"), 38, 0, Four("tx3g")},
+        {Four("tx3g"), 37, RESULT_FORMAT_ERROR, 0},
+        {Four("text"), 20, RESULT_FORMAT_ERROR, 0},
+        {Four("stpp"), 40, 1, 0},
     };
     const uint8_t zeros[64] = {};
     for (const Case& c : cases) {
@@ -490,7 +490,7 @@ TEST(MovSampleDescriptionTest, AllocationFailuresGiveACode)
             return true;
         const uint8_t zeros[8] = {};
         MovBox entry;
-        entry.type = MovType("c608");
+        entry.type = Four("c608");
         entry.payload = zeros;
         entry.size = sizeof zeros;
         return ReadSubtitleDescription(entry, properties) == 0;

@@ -29,17 +29,17 @@ enum : int32_t { LargeHeader = 16, TimeCodeSampleBytes = 16 };
 
 bool IsSubtitleHandler(uint32_t handler)
 {
-    return handler == MovType("sbtl") || handler == MovType("subt") || handler == MovType("text") ||
-           handler == MovType("clcp");
+    return handler == Four("sbtl") || handler == Four("subt") || handler == Four("text") ||
+           handler == Four("clcp");
 }
 
 MovTrack::Kind KindOfHandler(uint32_t handler)
 {
-    if (handler == MovType("vide"))
+    if (handler == Four("vide"))
         return MovTrack::Kind::Video;
-    if (handler == MovType("soun"))
+    if (handler == Four("soun"))
         return MovTrack::Kind::Audio;
-    if (handler == MovType("tmcd"))
+    if (handler == Four("tmcd"))
         return MovTrack::Kind::TimeCode;
     if (IsSubtitleHandler(handler))
         return MovTrack::Kind::Subtitle;
@@ -300,16 +300,16 @@ int CMovieFileReader::WalkFile()
             return result;
         if (result > 0)
             break;
-        const bool wanted = header.type == MovType("moov") || (header.type == MovType("moof") && m_movieSeen);
+        const bool wanted = header.type == Four("moov") || (header.type == Four("moof") && m_movieSeen);
         if (wanted && cut) {
-            Log(header.type == MovType("moov") ? LogLevel::Error : LogLevel::Warning,
+            Log(header.type == Four("moov") ? LogLevel::Error : LogLevel::Warning,
                 "%s: '%s' at %lld runs past the end of the file\n", GetFormatName(), FourCCText(header.type).c_str(),
                 static_cast<long long>(position));
-            if (header.type == MovType("moov"))
+            if (header.type == Four("moov"))
                 return RESULT_FORMAT_ERROR;
             break;
         }
-        if (header.type == MovType("moov") && m_movieSeen) {
+        if (header.type == Four("moov") && m_movieSeen) {
             Log(LogLevel::Warning, "%s: a second 'moov' at %lld is ignored\n", GetFormatName(),
                 static_cast<long long>(position));
         } else if (wanted) {
@@ -317,7 +317,7 @@ int CMovieFileReader::WalkFile()
             MovBox box;
             if ((result = ReadPayload(header, bytes, box)) < 0)
                 return result;
-            if (header.type == MovType("moov")) {
+            if (header.type == Four("moov")) {
                 m_movie = bytes;
                 result = ReadMovie(box);
             } else {
@@ -345,19 +345,19 @@ int CMovieFileReader::ReadMovie(const MovBox& moov)
     int result;
     while ((result = children.Next(box)) == RESULT_OK) {
         switch (box.type) {
-        case MovType("mvhd"):
+        case Four("mvhd"):
             result = ReadMovieHeader(box);
             break;
-        case MovType("trak"):
+        case Four("trak"):
             result = ReadTrack(box);
             break;
-        case MovType("udta"):
+        case Four("udta"):
             ReadUserData(box, this); // broken metadata is logged and never stops the file
             break;
-        case MovType("meta"):
+        case Four("meta"):
             ReadMetadata(box, this);
             break;
-        case MovType("mvex"):
+        case Four("mvex"):
             mvex = box;
             hasExtends = true;
             break;
@@ -397,7 +397,7 @@ int CMovieFileReader::ReadTrack(const MovBox& trak)
     bool hasMedia = false, hasEdits = false;
     int result;
     while ((result = children.Next(box)) == RESULT_OK) {
-        if (box.type == MovType("tkhd")) {
+        if (box.type == Four("tkhd")) {
             MovFieldReader fields(box);
             uint8_t version = 0;
             uint32_t flags = 0;
@@ -406,16 +406,16 @@ int CMovieFileReader::ReadTrack(const MovBox& trak)
             track->trackId = fields.Read32();
             // QuickTime writers leave the flags 0 on tracks they still play.
             track->enabled = (flags & 1) != 0 || flags == 0;
-        } else if (box.type == MovType("mdia")) {
+        } else if (box.type == Four("mdia")) {
             mdia = box;
             hasMedia = true;
-        } else if (box.type == MovType("edts")) {
+        } else if (box.type == Four("edts")) {
             MovBoxIterator edits(box);
-            hasEdits = edits.Find(MovType("elst"), elst) == RESULT_OK;
-        } else if (box.type == MovType("tref")) {
+            hasEdits = edits.Find(Four("elst"), elst) == RESULT_OK;
+        } else if (box.type == Four("tref")) {
             MovBoxIterator references(box);
             MovBox chap;
-            if (references.Find(MovType("chap"), chap) == RESULT_OK && chap.size >= 4)
+            if (references.Find(Four("chap"), chap) == RESULT_OK && chap.size >= 4)
                 track->chapterTrackId = BigEndian::Load32(chap.payload);
         }
     }
@@ -434,8 +434,8 @@ int CMovieFileReader::ReadMedia(const MovBox& mdia, MovTrack& track, const MovBo
 {
     MovBox mdhd, hdlr, minf, stbl, stsd;
     MovBoxIterator header(mdia), handler(mdia), information(mdia);
-    if (header.Find(MovType("mdhd"), mdhd) != RESULT_OK || handler.Find(MovType("hdlr"), hdlr) != RESULT_OK ||
-        information.Find(MovType("minf"), minf) != RESULT_OK) {
+    if (header.Find(Four("mdhd"), mdhd) != RESULT_OK || handler.Find(Four("hdlr"), hdlr) != RESULT_OK ||
+        information.Find(Four("minf"), minf) != RESULT_OK) {
         Log(LogLevel::Error, "%s: track %u lacks 'mdhd', 'hdlr' or 'minf'\n", GetFormatName(), track.trackId);
         return RESULT_FORMAT_ERROR;
     }
@@ -445,12 +445,12 @@ int CMovieFileReader::ReadMedia(const MovBox& mdia, MovTrack& track, const MovBo
     if (result < 0 || track.kind == MovTrack::Kind::Other)
         return result;
     MovBoxIterator tables(minf);
-    if (tables.Find(MovType("stbl"), stbl) != RESULT_OK) {
+    if (tables.Find(Four("stbl"), stbl) != RESULT_OK) {
         Log(LogLevel::Error, "%s: track %u has no 'stbl'\n", GetFormatName(), track.trackId);
         return RESULT_FORMAT_ERROR;
     }
     MovBoxIterator descriptions(stbl);
-    if (descriptions.Find(MovType("stsd"), stsd) != RESULT_OK) {
+    if (descriptions.Find(Four("stsd"), stsd) != RESULT_OK) {
         Log(LogLevel::Error, "%s: track %u has no 'stsd'\n", GetFormatName(), track.trackId);
         return RESULT_FORMAT_ERROR;
     }
@@ -752,7 +752,7 @@ int CMovieFileReader::PublishSubtitle(MovTrack& track)
     int result = track.subtitle->SetTimeScale(track.mediaTimeScale);
     if (result >= 0)
         result = track.subtitle->SetDuration(GetTrackDuration(track));
-    const bool caption = track.sampleEntryType == MovType("c608") || track.sampleEntryType == MovType("c708");
+    const bool caption = track.sampleEntryType == Four("c608") || track.sampleEntryType == Four("c708");
     if (result >= 0 && caption && !GetProperty(ContainerProperty::MovCaptionType))
         result = SetFourProperty(ContainerProperty::MovCaptionType, track.sampleEntryType);
     if (result < 0)

@@ -101,7 +101,7 @@ int FindConfig(const MovBox& children, uint32_t type, MovBox& found)
             found = atom;
             return RESULT_OK;
         }
-        if (atom.type == MovType("wave") && !hasWave) {
+        if (atom.type == Four("wave") && !hasWave) {
             wave = atom;
             hasWave = true;
         }
@@ -115,7 +115,7 @@ int FindConfig(const MovBox& children, uint32_t type, MovBox& found)
 int SetGeometry(CAudioProperties* audio, int64_t rate, int32_t framesPerPacket)
 {
     if (rate <= 0 || rate > INT32_MAX)
-        return Refuse(MovType("soun"), "sample rate", rate);
+        return Refuse(Four("soun"), "sample rate", rate);
     if (framesPerPacket > 0)
         return AudioTrackFacts::SetCodedGeometry(audio, int32_t(rate), framesPerPacket);
     int result;
@@ -190,7 +190,7 @@ int ReadChannelLayout(const MovBox& chan, SpeakerOrder& order)
     const uint32_t bitmap = fields.Read32();
     const uint32_t count = fields.Read32();
     if (fields.Failed())
-        return Refuse(MovType("chan"), "atom is too short:", int64_t(chan.size));
+        return Refuse(Four("chan"), "atom is too short:", int64_t(chan.size));
     if (tag == 0x10000) {
         order.mask = bitmap;
         return RESULT_OK;
@@ -201,7 +201,7 @@ int ReadChannelLayout(const MovBox& chan, SpeakerOrder& order)
         return RESULT_OK;
     }
     if (count > fields.Remaining() / 20)
-        return Refuse(MovType("chan"), "channel descriptions that do not fit the atom:", count);
+        return Refuse(Four("chan"), "channel descriptions that do not fit the atom:", count);
     uint32_t mask = 0;
     for (uint32_t i = 0; i < count; ++i) {
         const uint32_t label = fields.Read32();
@@ -217,11 +217,11 @@ int ReadChannelLayout(const MovBox& chan, SpeakerOrder& order)
 int SetChannels(const MovBox& children, CAudioProperties* audio, int32_t channels, uint32_t codecMask)
 {
     if (channels <= 0 || channels > CAudioProperties::MaxChannels)
-        return Refuse(MovType("soun"), "channel count", channels);
+        return Refuse(Four("soun"), "channel count", channels);
     MovBox chan;
     SpeakerOrder order;
     order.mask = codecMask;
-    int result = FindConfig(children, MovType("chan"), chan);
+    int result = FindConfig(children, Four("chan"), chan);
     if (result < 0 || (result == RESULT_OK && (result = ReadChannelLayout(chan, order)) < 0))
         return result;
     if (order.count == channels) {
@@ -258,7 +258,7 @@ uint32_t LpcmFormat(uint32_t flags, uint32_t bits)
 bool IsLittleEndian(const MovBox& children)
 {
     MovBox enda;
-    if (FindConfig(children, MovType("enda"), enda) != RESULT_OK)
+    if (FindConfig(children, Four("enda"), enda) != RESULT_OK)
         return false;
     MovFieldReader fields(enda);
     const uint16_t flag = fields.Read16();
@@ -269,7 +269,7 @@ bool IsLittleEndian(const MovBox& children)
 int IsoPcmFormat(const MovBox& entry, const MovBox& children, uint32_t& format)
 {
     MovBox pcmC;
-    int result = FindConfig(children, MovType("pcmC"), pcmC);
+    int result = FindConfig(children, Four("pcmC"), pcmC);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'pcmC'; atoms of", int64_t(children.size));
     MovFieldReader fields(pcmC);
@@ -277,10 +277,10 @@ int IsoPcmFormat(const MovBox& entry, const MovBox& children, uint32_t& format)
     const uint8_t flags = fields.Read8();
     const uint8_t bits = fields.Read8();
     if (fields.Failed())
-        return Refuse(MovType("pcmC"), "atom is too short:", int64_t(pcmC.size));
-    const uint32_t lpcm = (entry.type == MovType("fpcm") ? FlagFloat : FlagSigned) | ((flags & 1) ? 0u : uint32_t(FlagBigEndian));
+        return Refuse(Four("pcmC"), "atom is too short:", int64_t(pcmC.size));
+    const uint32_t lpcm = (entry.type == Four("fpcm") ? FlagFloat : FlagSigned) | ((flags & 1) ? 0u : uint32_t(FlagBigEndian));
     format = LpcmFormat(lpcm, bits);
-    return format != 0 ? RESULT_OK : Refuse(MovType("pcmC"), "PCM_sample_size", bits);
+    return format != 0 ? RESULT_OK : Refuse(Four("pcmC"), "PCM_sample_size", bits);
 }
 
 // The PCM layout code of an entry; 1 when the entry is no PCM.
@@ -289,23 +289,23 @@ int PcmFormat(const MovBox& entry, const MovBox& children, const SoundFields& so
     const bool little = IsLittleEndian(children);
     const bool eight = sound.sampleSize == 8;
     switch (entry.type) {
-    case MovType("NONE"):
-    case MovType("twos"): format = eight ? AudioFormat::Int8 : little ? AudioFormat::Int16L : AudioFormat::Int16B; break;
-    case MovType("sowt"): format = eight ? AudioFormat::Int8 : AudioFormat::Int16L; break;
-    case MovType("raw "): format = AudioFormat::UInt8; break;
-    case MovType("in24"): format = little ? AudioFormat::Int24L : AudioFormat::Int24B; break;
-    case MovType("in32"): format = little ? AudioFormat::Int32L : AudioFormat::Int32B; break;
-    case MovType("fl32"): format = little ? AudioFormat::Float32L : AudioFormat::Float32B; break;
-    case MovType("fl64"): format = little ? AudioFormat::Float64L : AudioFormat::Float64B; break;
-    case MovType("alaw"): format = AudioFormat::aLaw; break;
-    case MovType("ulaw"): format = AudioFormat::uLaw; break;
-    case MovType("lpcm"):
+    case Four("NONE"):
+    case Four("twos"): format = eight ? AudioFormat::Int8 : little ? AudioFormat::Int16L : AudioFormat::Int16B; break;
+    case Four("sowt"): format = eight ? AudioFormat::Int8 : AudioFormat::Int16L; break;
+    case Four("raw "): format = AudioFormat::UInt8; break;
+    case Four("in24"): format = little ? AudioFormat::Int24L : AudioFormat::Int24B; break;
+    case Four("in32"): format = little ? AudioFormat::Int32L : AudioFormat::Int32B; break;
+    case Four("fl32"): format = little ? AudioFormat::Float32L : AudioFormat::Float32B; break;
+    case Four("fl64"): format = little ? AudioFormat::Float64L : AudioFormat::Float64B; break;
+    case Four("alaw"): format = AudioFormat::aLaw; break;
+    case Four("ulaw"): format = AudioFormat::uLaw; break;
+    case Four("lpcm"):
         format = LpcmFormat(sound.lpcmFlags, sound.sampleSize);
         if (format == 0)
             return Refuse(entry.type, "lpcm flags and sample bits give no layout; bits", int64_t(sound.sampleSize));
         break;
-    case MovType("ipcm"):
-    case MovType("fpcm"): return IsoPcmFormat(entry, children, format);
+    case Four("ipcm"):
+    case Four("fpcm"): return IsoPcmFormat(entry, children, format);
     default: return 1;
     }
     return RESULT_OK;
@@ -393,7 +393,7 @@ int DescribeMpeg4Audio(const MovBox& entry, const MovBox& children, const SoundF
                        CAudioProperties* audio, MovAudioLayout& layout)
 {
     MovBox atom;
-    int result = FindConfig(children, MovType("esds"), atom);
+    int result = FindConfig(children, Four("esds"), atom);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'esds'; atoms of", int64_t(children.size));
     MovElementaryStreamDescriptor esds;
@@ -420,16 +420,16 @@ const int16_t Ac3BitRates[19] = {32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192,
 int DescribeAc3(const MovBox& entry, const MovBox& children, CAudioProperties* audio, MovAudioLayout& layout)
 {
     MovBox dac3;
-    int result = FindConfig(children, MovType("dac3"), dac3);
+    int result = FindConfig(children, Four("dac3"), dac3);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'dac3'; atoms of", int64_t(children.size));
     if (dac3.size < Ac3SyncFrame::DecoderConfigBytes)
-        return Refuse(MovType("dac3"), "atom is too short:", int64_t(dac3.size));
+        return Refuse(Four("dac3"), "atom is too short:", int64_t(dac3.size));
     const uint32_t bits = uint32_t(dac3.payload[0]) << 16 | uint32_t(dac3.payload[1]) << 8 | dac3.payload[2];
     const uint32_t fscod = bits >> 22;
     const uint32_t rateCode = bits >> 5 & 31;
     if (fscod > 2)
-        return Refuse(MovType("dac3"), "fscod", fscod);
+        return Refuse(Four("dac3"), "fscod", fscod);
     Ac3SyncFrame frame;
     frame.acmod = uint8_t(bits >> 11 & 7);
     frame.lfeOn = (bits >> 10 & 1) != 0;
@@ -447,17 +447,17 @@ int DescribeAc3(const MovBox& entry, const MovBox& children, CAudioProperties* a
 int DescribeEac3(const MovBox& entry, const MovBox& children, CAudioProperties* audio, MovAudioLayout& layout)
 {
     MovBox dec3;
-    int result = FindConfig(children, MovType("dec3"), dec3);
+    int result = FindConfig(children, Four("dec3"), dec3);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'dec3'; atoms of", int64_t(children.size));
     MovFieldReader fields(dec3);
     const uint16_t head = fields.Read16();
     const uint32_t first = fields.Read24();
     if (fields.Failed())
-        return Refuse(MovType("dec3"), "atom is too short:", int64_t(dec3.size));
+        return Refuse(Four("dec3"), "atom is too short:", int64_t(dec3.size));
     const uint32_t fscod = first >> 22;
     if (fscod > 2)
-        return Refuse(MovType("dec3"), "fscod", fscod);
+        return Refuse(Four("dec3"), "fscod", fscod);
     Ac3SyncFrame frame;
     frame.acmod = uint8_t(first >> 9 & 7);
     frame.lfeOn = (first >> 8 & 1) != 0;
@@ -489,7 +489,7 @@ int DescribeAlac(const MovBox& entry, const MovBox& children, CAudioProperties* 
 {
     enum : size_t { ConfigBytes = 24 };
     MovBox alac;
-    int result = FindConfig(children, MovType("alac"), alac);
+    int result = FindConfig(children, Four("alac"), alac);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'alac' atom; atoms of", int64_t(children.size));
     MovFieldReader fields(alac);
@@ -504,9 +504,9 @@ int DescribeAlac(const MovBox& entry, const MovBox& children, CAudioProperties* 
     const uint32_t averageBitRate = fields.Read32();
     const uint32_t rate = fields.Read32();
     if (fields.Failed())
-        return Refuse(MovType("alac"), "atom is too short:", int64_t(alac.size));
+        return Refuse(Four("alac"), "atom is too short:", int64_t(alac.size));
     if (frameLength == 0 || frameLength > uint32_t(INT32_MAX) || channels == 0 || bitDepth == 0)
-        return Refuse(MovType("alac"), "frame length, channels or bit depth zero or too large; frame length",
+        return Refuse(Four("alac"), "frame length, channels or bit depth zero or too large; frame length",
                       frameLength);
     audio->SetFormat(AudioFormat::AppleLossless);
     layout.framesPerPacket = frameLength;
@@ -541,11 +541,11 @@ int DescribeEntry(const MovBox& entry, bool quickTime, CAudioProperties* audio, 
     if ((result = PcmFormat(entry, children, sound, pcmFormat)) <= 0)
         return result < 0 ? result : DescribePcm(entry, children, sound, pcmFormat, audio, layout);
     switch (entry.type) {
-    case MovType("mp4a"): return DescribeMpeg4Audio(entry, children, sound, audio, layout);
-    case MovType(".mp3"): return DescribeMp3(children, sound, 0, audio, layout);
-    case MovType("ac-3"): return DescribeAc3(entry, children, audio, layout);
-    case MovType("ec-3"): return DescribeEac3(entry, children, audio, layout);
-    case MovType("alac"): return DescribeAlac(entry, children, audio, layout);
+    case Four("mp4a"): return DescribeMpeg4Audio(entry, children, sound, audio, layout);
+    case Four(".mp3"): return DescribeMp3(children, sound, 0, audio, layout);
+    case Four("ac-3"): return DescribeAc3(entry, children, audio, layout);
+    case Four("ec-3"): return DescribeEac3(entry, children, audio, layout);
+    case Four("alac"): return DescribeAlac(entry, children, audio, layout);
     default:
         Log(LogLevel::Info, "%s: audio format '%s' is not described\n", Owner, FourCCText(entry.type).c_str());
         return 1;

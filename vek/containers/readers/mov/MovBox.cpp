@@ -59,7 +59,7 @@ int MovBoxIterator::Next(MovBox& box)
     } else if (size == 0) {
         size = remaining; // to the end of the parent
     }
-    if (type == MovType("uuid")) {
+    if (type == Four("uuid")) {
         if (remaining - headerSize < UserTypeField)
             return RefuseHeader(m_parentType, type, offset, size, remaining);
         std::memcpy(box.userType, header + headerSize, UserTypeField);

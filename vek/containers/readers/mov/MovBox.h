@@ -23,13 +23,6 @@
 
 namespace Quorvex::Vek {
 
-// A four-character code from its text, for box types in switch cases.
-constexpr uint32_t MovType(const char (&text)[5])
-{
-    return uint32_t(uint8_t(text[0])) << 24 | uint32_t(uint8_t(text[1])) << 16 |
-           uint32_t(uint8_t(text[2])) << 8 | uint32_t(uint8_t(text[3]));
-}
-
 struct VEK_API MovBox {
     uint32_t type = 0;
     const uint8_t* payload = nullptr;

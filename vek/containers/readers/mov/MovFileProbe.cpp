@@ -24,16 +24,16 @@ bool ReadHead(CStream* stream, unsigned char (&head)[HeadBytes], int64_t& length
 MovFamily MovFileProbe::FamilyOfFirstBox(uint32_t type)
 {
     switch (type) {
-    case MovType("moov"):
-    case MovType("mdat"):
-    case MovType("free"):
-    case MovType("skip"):
-    case MovType("wide"):
-    case MovType("pnot"):
+    case Four("moov"):
+    case Four("mdat"):
+    case Four("free"):
+    case Four("skip"):
+    case Four("wide"):
+    case Four("pnot"):
         return MovFamily::QuickTime;
-    case MovType("styp"):
-    case MovType("sidx"):
-    case MovType("moof"):
+    case Four("styp"):
+    case Four("sidx"):
+    case Four("moof"):
         return MovFamily::Iso;
     default:
         return MovFamily::None;
@@ -60,15 +60,15 @@ MovFamily MovFileProbe::Probe(CStream* stream)
     }
     if (size < headerSize)
         return MovFamily::None;
-    if (type == MovType("ftyp")) {
+    if (type == Four("ftyp")) {
         // A box in a file too short for it, or a brand outside it, is not ours.
         if (size < 12 || size > uint64_t(length) || length < 12)
             return MovFamily::None;
-        return BigEndian::Load32(head + 8) == MovType("qt  ") ? MovFamily::QuickTime : MovFamily::Iso;
+        return BigEndian::Load32(head + 8) == Four("qt  ") ? MovFamily::QuickTime : MovFamily::Iso;
     }
     // Without a brand, only a box that fits the file counts; an 'mdat' may
     // be cut short in a recording that stopped.
-    if (size > uint64_t(length) && type != MovType("mdat"))
+    if (size > uint64_t(length) && type != Four("mdat"))
         return MovFamily::None;
     return FamilyOfFirstBox(type);
 }

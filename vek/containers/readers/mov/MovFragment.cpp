@@ -94,7 +94,7 @@ int ReadDecodeTime(const MovBox& traf, TrackFragment& fragment)
 {
     MovBoxIterator children(traf);
     MovBox tfdt;
-    const int found = children.Find(MovType("tfdt"), tfdt);
+    const int found = children.Find(Four("tfdt"), tfdt);
     if (found != 0)
         return found < 0 ? found : 0;
     MovFieldReader reader(tfdt);
@@ -218,7 +218,7 @@ int ReadRuns(const MovBox& traf, const TrackFragment& fragment, MovSampleTable* 
     MovBox child;
     int result;
     while ((result = children.Next(child)) == 0) {
-        if (child.type != MovType("trun"))
+        if (child.type != Four("trun"))
             continue;
         RunHeader run;
         if ((result = ReadRunHeader(child, run)) < 0)
@@ -263,7 +263,7 @@ int ReadTrackFragment(const MovBox& traf, const MovBox& moof, MovFragmentTrack* 
 {
     MovBox tfhd;
     MovBoxIterator children(traf);
-    int result = children.Find(MovType("tfhd"), tfhd);
+    int result = children.Find(Four("tfhd"), tfhd);
     if (result != 0) {
         if (result > 0)
             Log(LogLevel::Error, "MovFragment: 'traf' at %" PRId64 " has no 'tfhd'\n", traf.fileOffset);
@@ -308,7 +308,7 @@ int ReadMovieExtends(const MovBox& mvex, MovFragmentTrack* tracks, size_t trackC
     MovBox trex;
     int result;
     while ((result = children.Next(trex)) == 0) {
-        if (trex.type != MovType("trex"))
+        if (trex.type != Four("trex"))
             continue;
         MovFieldReader reader(trex);
         uint8_t version = 0;
@@ -339,7 +339,7 @@ int ReadMovieFragment(const MovBox& moof, MovFragmentTrack* tracks, size_t track
     MovBox traf;
     int result;
     while ((result = children.Next(traf)) == 0) {
-        if (traf.type != MovType("traf"))
+        if (traf.type != Four("traf"))
             continue;
         if ((result = ReadTrackFragment(traf, moof, tracks, trackCount, fileSize, dataEnd)) < 0)
             return result;

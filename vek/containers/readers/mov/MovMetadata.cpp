@@ -42,28 +42,28 @@ const AtomKey AtomKeys[] = {
     {Apple("nam"), ContainerProperty::MovTitle},       {Apple("ART"), ContainerProperty::MovArtist},
     {Apple("alb"), ContainerProperty::MovAlbum},       {Apple("aut"), ContainerProperty::MovAuthor},
     {Apple("cmt"), ContainerProperty::MovComment},     {Apple("cpy"), ContainerProperty::MovCopyright},
-    {MovType("cprt"), ContainerProperty::MovCopyright}, {Apple("day"), ContainerProperty::MovCreationDate},
-    {Apple("des"), ContainerProperty::MovDescription}, {MovType("desc"), ContainerProperty::MovDescription},
+    {Four("cprt"), ContainerProperty::MovCopyright}, {Apple("day"), ContainerProperty::MovCreationDate},
+    {Apple("des"), ContainerProperty::MovDescription}, {Four("desc"), ContainerProperty::MovDescription},
     {Apple("dir"), ContainerProperty::MovDirector},    {Apple("gen"), ContainerProperty::MovGenre},
     {Apple("inf"), ContainerProperty::MovInformation}, {Apple("key"), ContainerProperty::MovKeywords},
-    {MovType("keyw"), ContainerProperty::MovKeywords}, {Apple("xyz"), ContainerProperty::MovLocation},
+    {Four("keyw"), ContainerProperty::MovKeywords}, {Apple("xyz"), ContainerProperty::MovLocation},
     {Apple("prd"), ContainerProperty::MovProducer},    {Apple("pub"), ContainerProperty::MovPublisher},
     {Apple("swr"), ContainerProperty::MovSoftware},    {Apple("too"), ContainerProperty::MovSoftware},
-    {MovType("covr"), ContainerProperty::MovArtwork},
+    {Four("covr"), ContainerProperty::MovArtwork},
 };
 
 // 3GPP asset atoms of 'udta': a full box, a language and one terminated
 // string. (In an item list 'gnre' is a genre number, not text.)
 const AtomKey AssetAtoms[] = {
-    {MovType("titl"), ContainerProperty::MovTitle},       {MovType("auth"), ContainerProperty::MovAuthor},
-    {MovType("perf"), ContainerProperty::MovArtist},      {MovType("dscp"), ContainerProperty::MovDescription},
-    {MovType("gnre"), ContainerProperty::MovGenre},       {MovType("cprt"), ContainerProperty::MovCopyright},
+    {Four("titl"), ContainerProperty::MovTitle},       {Four("auth"), ContainerProperty::MovAuthor},
+    {Four("perf"), ContainerProperty::MovArtist},      {Four("dscp"), ContainerProperty::MovDescription},
+    {Four("gnre"), ContainerProperty::MovGenre},       {Four("cprt"), ContainerProperty::MovCopyright},
 };
 
 // iTunes items whose implicit (type 0) value is a big-endian counter.
-const uint32_t CounterItems[] = {MovType("cpil"), MovType("pgap"), MovType("pcst"), MovType("tmpo"),
-                                 MovType("gnre"), MovType("rtng"), MovType("stik"), MovType("hdvd"),
-                                 MovType("tvsn"), MovType("tves")};
+const uint32_t CounterItems[] = {Four("cpil"), Four("pgap"), Four("pcst"), Four("tmpo"),
+                                 Four("gnre"), Four("rtng"), Four("stik"), Four("hdvd"),
+                                 Four("tvsn"), Four("tves")};
 
 // Unicode code points of the Mac-Roman bytes 0x80..0xFF.
 const uint16_t MacRomanHigh[128] = {
@@ -352,7 +352,7 @@ int StoreNumberOfTotal(IProperties* bag, const char* key, const DataValue& value
 
 int StoreImplicit(IProperties* bag, const char* key, const DataValue& value, uint32_t atom)
 {
-    if ((atom == MovType("trkn") || atom == MovType("disk")) && value.size >= 6)
+    if ((atom == Four("trkn") || atom == Four("disk")) && value.size >= 6)
         return StoreNumberOfTotal(bag, key, value, atom);
     if (Contains(CounterItems, atom) && IsIntegerSize(value.size))
         return StoreInteger(bag, key, value, false, atom);
@@ -410,7 +410,7 @@ int FindFirstData(const MovBox& item, uint32_t atom, DataValue& value)
 {
     MovBoxIterator children(item);
     MovBox data;
-    const int result = children.Find(MovType("data"), data);
+    const int result = children.Find(Four("data"), data);
     if (result != RESULT_OK) {
         Log(LogLevel::Warning, "MovMetadata: item '%s' of %zu bytes holds no readable 'data'; skipped\n",
             FourCCText(atom).c_str(), item.size);
@@ -438,9 +438,9 @@ bool FreeFormKey(const MovBox& item, char (&key)[KeyCapacity])
     MovBoxIterator children(item);
     MovBox child;
     while (children.Next(child) == RESULT_OK) {
-        if (child.type == MovType("mean") && !FreeFormPart(child, mean, meanLength))
+        if (child.type == Four("mean") && !FreeFormPart(child, mean, meanLength))
             return false;
-        if (child.type == MovType("name") && !FreeFormPart(child, name, nameLength))
+        if (child.type == Four("name") && !FreeFormPart(child, name, nameLength))
             return false;
     }
     if (!name || !nameLength)
@@ -461,7 +461,7 @@ int ReadListItem(const MovBox& item, IProperties* bag)
 {
     char key[KeyCapacity];
     const char* known = KnownKey(item.type);
-    if (item.type == MovType("----")) {
+    if (item.type == Four("----")) {
         if (!FreeFormKey(item, key)) {
             Log(LogLevel::Warning, "MovMetadata: free-form item of %zu bytes has no usable 'mean'/'name'; skipped\n",
                 item.size);
@@ -530,14 +530,14 @@ int StoreUnknownAtom(const MovBox& atom, IProperties* bag)
 
 bool IsDataForm(const MovBox& atom)
 {
-    return atom.size >= 8 && BigEndian::Load32(atom.payload + 4) == MovType("data");
+    return atom.size >= 8 && BigEndian::Load32(atom.payload + 4) == Four("data");
 }
 
 int ReadUserDataAtom(const MovBox& atom, IProperties* bag)
 {
-    if (atom.type == MovType("meta"))
+    if (atom.type == Four("meta"))
         return ReadMetadata(atom, bag);
-    if (atom.type == MovType("free") || atom.type == MovType("skip"))
+    if (atom.type == Four("free") || atom.type == Four("skip"))
         return RESULT_OK;
     if (IsDataForm(atom))
         return ReadListItem(atom, bag);
@@ -596,7 +596,7 @@ int ReadKeyedItem(const MovBox& item, const Detail::GrowBuffer<KeyName>& names, 
         return RESULT_OK;
     }
     const KeyName& name = names[int32_t(index - 1)];
-    if (name.keyNamespace != MovType("mdta") || name.length == 0 || name.length >= KeyCapacity ||
+    if (name.keyNamespace != Four("mdta") || name.length == 0 || name.length >= KeyCapacity ||
         std::memchr(name.text, 0, name.length)) {
         Log(LogLevel::Warning, "MovMetadata: key %u ('%s' name of %zu bytes) cannot name a property; skipped\n", index,
             FourCCText(name.keyNamespace).c_str(), name.length);
@@ -654,24 +654,24 @@ int ReadMetadata(const MovBox& meta, IProperties* container)
     MovBoxIterator children = MetaChildren(meta);
     int result;
     while ((result = children.Next(child)) == RESULT_OK) {
-        if (child.type == MovType("hdlr") && !handler)
+        if (child.type == Four("hdlr") && !handler)
             handler = HandlerType(child);
-        else if (child.type == MovType("keys") && !hasKeys)
+        else if (child.type == Four("keys") && !hasKeys)
             hasKeys = true, keys = child;
-        else if (child.type == MovType("ilst") && !hasList)
+        else if (child.type == Four("ilst") && !hasList)
             hasList = true, ilst = child;
     }
     if (result < 0)
         Log(LogLevel::Warning, "MovMetadata: 'meta' walk stopped at a broken box; reading what came before\n");
     if (handler == 0)
-        handler = hasKeys ? MovType("mdta") : MovType("mdir");
-    if (handler != MovType("mdta") && handler != MovType("mdir")) {
+        handler = hasKeys ? Four("mdta") : Four("mdir");
+    if (handler != Four("mdta") && handler != Four("mdir")) {
         Log(LogLevel::Info, "MovMetadata: 'meta' with handler '%s' is not read\n", FourCCText(handler).c_str());
         return RESULT_OK;
     }
     if (!hasList)
         return RESULT_OK;
-    if (handler == MovType("mdir"))
+    if (handler == Four("mdir"))
         return ReadItemList(ilst, nullptr, container);
     Detail::GrowBuffer<KeyName> names;
     if (hasKeys && (result = ReadKeys(keys, names)) < 0)

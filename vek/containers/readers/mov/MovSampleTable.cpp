@@ -89,16 +89,16 @@ struct MovSampleTable::Boxes {
             has = true;
         };
         switch (box.type) {
-        case MovType("stts"): keep(stts, hasStts); break;
-        case MovType("ctts"): keep(ctts, hasCtts); break;
-        case MovType("cslg"): keep(cslg, hasCslg); break;
-        case MovType("stss"): keep(stss, hasStss); break;
-        case MovType("sdtp"): keep(sdtp, hasSdtp); break;
-        case MovType("stsc"): keep(stsc, hasStsc); break;
-        case MovType("stsz"): keep(stsz, hasStsz); break;
-        case MovType("stz2"): keep(stz2, hasStz2); break;
-        case MovType("stco"): keep(stco, hasStco); break;
-        case MovType("co64"): keep(co64, hasCo64); break;
+        case Four("stts"): keep(stts, hasStts); break;
+        case Four("ctts"): keep(ctts, hasCtts); break;
+        case Four("cslg"): keep(cslg, hasCslg); break;
+        case Four("stss"): keep(stss, hasStss); break;
+        case Four("sdtp"): keep(sdtp, hasSdtp); break;
+        case Four("stsc"): keep(stsc, hasStsc); break;
+        case Four("stsz"): keep(stsz, hasStsz); break;
+        case Four("stz2"): keep(stz2, hasStz2); break;
+        case Four("stco"): keep(stco, hasStco); break;
+        case Four("co64"): keep(co64, hasCo64); break;
         default: break; // stsd, stps, sgpd, sbgp, subs ... belong to others or carry nothing needed here
         }
     }
@@ -162,7 +162,7 @@ int MovSampleTable::Read(const MovBox& stbl, int64_t fileSize)
 
 int MovSampleTable::ReadChunkOffsets(const MovBox& box)
 {
-    const bool wide = box.type == MovType("co64");
+    const bool wide = box.type == Four("co64");
     const char* name = wide ? "co64" : "stco";
     const size_t entrySize = wide ? 8 : 4;
     MovFieldReader reader(box);

@@ -21,13 +21,13 @@ struct SubtitleRow {
 };
 
 constexpr SubtitleRow Subtitles[] = {
-    {MovType("c608"), SubtitleFormat::C608, 8},
-    {MovType("c708"), SubtitleFormat::C708, 8},
+    {Four("c608"), SubtitleFormat::C608, 8},
+    {Four("c708"), SubtitleFormat::C708, 8},
     // Display flags, justification, background colour, text box, style record.
-    {MovType("tx3g"), MovType("tx3g"), 38},
+    {Four("tx3g"), Four("tx3g"), 38},
     // Display flags, justification, colours, text box, font, then the name.
-    {MovType("text"), MovType("text"), 51},
-    {MovType("wvtt"), SubtitleFormat::VTT, 8},
+    {Four("text"), Four("text"), 51},
+    {Four("wvtt"), SubtitleFormat::VTT, 8},
 };
 
 } // namespace

@@ -35,35 +35,35 @@ struct CodingRow {
 // Entry codes that are pure aliases ('avc3', 'hev1', '2vuy', 'm2v1') are
 // described by the code of the bitstream they carry.
 constexpr CodingRow Codings[] = {
-    {MovType("avc1"), Coding::Avc, VideoFormat::AVC},
-    {MovType("avc3"), Coding::Avc, VideoFormat::AVC},
-    {MovType("hvc1"), Coding::Hevc, VideoFormat::HEVC},
-    {MovType("hev1"), Coding::Hevc, VideoFormat::HEVC},
-    {MovType("mp4v"), Coding::MpegElementary, VideoFormat::MPEG4},
-    {MovType("m2v1"), Coding::Mpeg2Camera, VideoFormat::MPEG2},
-    {MovType("apco"), Coding::ProRes, VideoFormat::ProRes422_Proxy},
-    {MovType("apcs"), Coding::ProRes, VideoFormat::ProRes422_LT},
-    {MovType("apcn"), Coding::ProRes, VideoFormat::ProRes422_SQ},
-    {MovType("apch"), Coding::ProRes, VideoFormat::ProRes422_HQ},
-    {MovType("ap4h"), Coding::ProRes, VideoFormat::ProRes4444},
-    {MovType("ap4x"), Coding::ProRes, VideoFormat::ProRes4444_XQ},
-    {MovType("AVdn"), Coding::Dnx, VideoFormat::DNxHD},
-    {MovType("AVdh"), Coding::Dnx, MovType("AVdh")},
-    {MovType("jpeg"), Coding::Jpeg, VideoFormat::JPEG},
-    {MovType("mjpa"), Coding::Jpeg, VideoFormat::MJPEGA},
-    {MovType("mjpb"), Coding::Jpeg, VideoFormat::MJPEGB},
-    {MovType("2vuy"), Coding::Uncompressed, VideoFormat::Packed422UYVY},
-    {MovType("v210"), Coding::Uncompressed, VideoFormat::Packed422UYVY_10},
-    {MovType("raw "), Coding::Uncompressed, MovType("raw ")},
+    {Four("avc1"), Coding::Avc, VideoFormat::AVC},
+    {Four("avc3"), Coding::Avc, VideoFormat::AVC},
+    {Four("hvc1"), Coding::Hevc, VideoFormat::HEVC},
+    {Four("hev1"), Coding::Hevc, VideoFormat::HEVC},
+    {Four("mp4v"), Coding::MpegElementary, VideoFormat::MPEG4},
+    {Four("m2v1"), Coding::Mpeg2Camera, VideoFormat::MPEG2},
+    {Four("apco"), Coding::ProRes, VideoFormat::ProRes422_Proxy},
+    {Four("apcs"), Coding::ProRes, VideoFormat::ProRes422_LT},
+    {Four("apcn"), Coding::ProRes, VideoFormat::ProRes422_SQ},
+    {Four("apch"), Coding::ProRes, VideoFormat::ProRes422_HQ},
+    {Four("ap4h"), Coding::ProRes, VideoFormat::ProRes4444},
+    {Four("ap4x"), Coding::ProRes, VideoFormat::ProRes4444_XQ},
+    {Four("AVdn"), Coding::Dnx, VideoFormat::DNxHD},
+    {Four("AVdh"), Coding::Dnx, Four("AVdh")},
+    {Four("jpeg"), Coding::Jpeg, VideoFormat::JPEG},
+    {Four("mjpa"), Coding::Jpeg, VideoFormat::MJPEGA},
+    {Four("mjpb"), Coding::Jpeg, VideoFormat::MJPEGB},
+    {Four("2vuy"), Coding::Uncompressed, VideoFormat::Packed422UYVY},
+    {Four("v210"), Coding::Uncompressed, VideoFormat::Packed422UYVY_10},
+    {Four("raw "), Coding::Uncompressed, Four("raw ")},
 };
 
 // The MPEG-2 camera codes (XDCAM, HDV, IMX) the format table knows.
 bool IsMpeg2CameraCode(uint32_t type)
 {
     const uint32_t family = type >> 8;
-    const bool prefix = family == (MovType("xd5 ") >> 8) || family == (MovType("xdv ") >> 8) ||
-                        family == (MovType("hdv ") >> 8) || family == (MovType("mx3 ") >> 8) ||
-                        family == (MovType("mx4 ") >> 8) || family == (MovType("mx5 ") >> 8);
+    const bool prefix = family == (Four("xd5 ") >> 8) || family == (Four("xdv ") >> 8) ||
+                        family == (Four("hdv ") >> 8) || family == (Four("mx3 ") >> 8) ||
+                        family == (Four("mx4 ") >> 8) || family == (Four("mx5 ") >> 8);
     return prefix && VideoFormat::GetName(type) != nullptr;
 }
 
@@ -103,7 +103,7 @@ int FindChild(const MovBox& children, uint32_t type, MovBox& child)
 int DescribeAvc(const MovBox& entry, const MovBox& children, VideoStreamFacts& facts)
 {
     MovBox avcC;
-    int result = FindChild(children, MovType("avcC"), avcC);
+    int result = FindChild(children, Four("avcC"), avcC);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'avcC'; atoms of", int64_t(children.size));
     AvcDecoderConfiguration configuration;
@@ -123,7 +123,7 @@ int DescribeAvc(const MovBox& entry, const MovBox& children, VideoStreamFacts& f
 int DescribeHevc(const MovBox& entry, const MovBox& children, VideoStreamFacts& facts)
 {
     MovBox hvcC;
-    int result = FindChild(children, MovType("hvcC"), hvcC);
+    int result = FindChild(children, Four("hvcC"), hvcC);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'hvcC'; atoms of", int64_t(children.size));
     HevcDecoderConfiguration configuration;
@@ -229,7 +229,7 @@ int DescribeMpegVideo(uint32_t type, const MovElementaryStreamDescriptor& esds, 
 int DescribeElementary(const MovBox& entry, const MovBox& children, VideoStreamFacts& facts, CVideoProperties* video)
 {
     MovBox atom;
-    int result = FindChild(children, MovType("esds"), atom);
+    int result = FindChild(children, Four("esds"), atom);
     if (result != RESULT_OK)
         return result < 0 ? result : Refuse(entry.type, "has no 'esds'; atoms of", int64_t(children.size));
     MovElementaryStreamDescriptor esds;
@@ -253,33 +253,33 @@ int DescribeElementary(const MovBox& entry, const MovBox& children, VideoStreamF
 
 void DescribeProRes(uint32_t type, VideoStreamFacts& facts)
 {
-    const bool full = type == MovType("ap4h") || type == MovType("ap4x");
+    const bool full = type == Four("ap4h") || type == Four("ap4x");
     facts.chromaFormat = full ? 3 : 2;
     facts.bitDepth = full ? 12 : 10;
     facts.chromaBitDepth = facts.bitDepth;
     switch (type) {
-    case MovType("apco"): facts.profile = "Proxy"; break;
-    case MovType("apcs"): facts.profile = "LT"; break;
-    case MovType("apcn"): facts.profile = "Standard"; break;
-    case MovType("apch"): facts.profile = "HQ"; break;
-    case MovType("ap4h"): facts.profile = "4444"; break;
+    case Four("apco"): facts.profile = "Proxy"; break;
+    case Four("apcs"): facts.profile = "LT"; break;
+    case Four("apcn"): facts.profile = "Standard"; break;
+    case Four("apch"): facts.profile = "HQ"; break;
+    case Four("ap4h"): facts.profile = "4444"; break;
     default: facts.profile = "XQ"; break;
     }
 }
 
 void DescribeUncompressed(uint32_t type, uint16_t depth, VideoStreamFacts& facts)
 {
-    if (type == MovType("raw ")) {
+    if (type == Four("raw ")) {
         // QuickTime's raw RGB: the depth names the layout.
         facts.format = depth == 24 ? VideoFormat::PackedRGB : depth == 32 ? VideoFormat::PackedARGB
-                       : depth == 16 ? 0x10 : depth <= 8 && depth > 0 ? depth : MovType("raw ");
+                       : depth == 16 ? 0x10 : depth <= 8 && depth > 0 ? depth : Four("raw ");
         facts.chromaFormat = 3;
         facts.matrix = 0;
         return;
     }
-    facts.format = type == MovType("v210") ? VideoFormat::Packed422UYVY_10 : VideoFormat::Packed422UYVY;
+    facts.format = type == Four("v210") ? VideoFormat::Packed422UYVY_10 : VideoFormat::Packed422UYVY;
     facts.chromaFormat = 2;
-    facts.bitDepth = type == MovType("v210") ? 10 : 8;
+    facts.bitDepth = type == Four("v210") ? 10 : 8;
     facts.chromaBitDepth = facts.bitDepth;
 }
 
@@ -307,7 +307,7 @@ int ApplyPixelAspect(const MovBox& pasp, VideoStreamFacts& facts)
     const uint32_t horizontal = fields.Read32();
     const uint32_t vertical = fields.Read32();
     if (fields.Failed())
-        return Refuse(MovType("pasp"), "atom is too short:", int64_t(pasp.size));
+        return Refuse(Four("pasp"), "atom is too short:", int64_t(pasp.size));
     if (horizontal == 0 || vertical == 0) {
         Log(LogLevel::Warning, "%s: 'pasp' %u:%u ignored\n", Owner, horizontal, vertical);
         return RESULT_OK;
@@ -325,7 +325,7 @@ int ApplyFields(const MovBox& fiel, VideoStreamFacts& facts)
     const uint8_t count = fields.Read8();
     const uint8_t detail = fields.Read8();
     if (fields.Failed())
-        return Refuse(MovType("fiel"), "atom is too short:", int64_t(fiel.size));
+        return Refuse(Four("fiel"), "atom is too short:", int64_t(fiel.size));
     if (count == 1)
         facts.fieldOrder = CVideoProperties::FieldOrderProgressive;
     else if (count == 2 && (detail == 1 || detail == 14))
@@ -343,18 +343,18 @@ int ApplyColour(const MovBox& colr, VideoStreamFacts& facts)
 {
     MovFieldReader fields(colr);
     const uint32_t kind = fields.Read32();
-    if (kind != MovType("nclx") && kind != MovType("nclc"))
+    if (kind != Four("nclx") && kind != Four("nclc"))
         return RESULT_OK;
     const uint16_t primaries = fields.Read16();
     const uint16_t transfer = fields.Read16();
     const uint16_t matrix = fields.Read16();
-    const uint8_t range = kind == MovType("nclx") ? fields.Read8() : 0;
+    const uint8_t range = kind == Four("nclx") ? fields.Read8() : 0;
     if (fields.Failed())
-        return Refuse(MovType("colr"), "atom is too short:", int64_t(colr.size));
+        return Refuse(Four("colr"), "atom is too short:", int64_t(colr.size));
     facts.colourPrimaries = primaries;
     facts.transfer = transfer;
     facts.matrix = matrix;
-    if (kind == MovType("nclx"))
+    if (kind == Four("nclx"))
         facts.fullRange = (range & 0x80) != 0;
     return RESULT_OK;
 }
@@ -366,7 +366,7 @@ int ApplyBitRate(const MovBox& btrt, VideoStreamFacts& facts)
     fields.Skip(8); // buffer size, maximum rate
     const uint32_t average = fields.Read32();
     if (fields.Failed())
-        return Refuse(MovType("btrt"), "atom is too short:", int64_t(btrt.size));
+        return Refuse(Four("btrt"), "atom is too short:", int64_t(btrt.size));
     if (facts.bitRate == 0)
         facts.bitRate = average;
     return RESULT_OK;
@@ -379,11 +379,11 @@ int ApplyRefinements(const MovBox& children, VideoStreamFacts& facts)
     int result;
     while ((result = atoms.Next(atom)) == RESULT_OK) {
         switch (atom.type) {
-        case MovType("pasp"): result = ApplyPixelAspect(atom, facts); break;
-        case MovType("fiel"): result = ApplyFields(atom, facts); break;
-        case MovType("colr"): result = ApplyColour(atom, facts); break;
-        case MovType("btrt"): result = ApplyBitRate(atom, facts); break;
-        case MovType("clap"):
+        case Four("pasp"): result = ApplyPixelAspect(atom, facts); break;
+        case Four("fiel"): result = ApplyFields(atom, facts); break;
+        case Four("colr"): result = ApplyColour(atom, facts); break;
+        case Four("btrt"): result = ApplyBitRate(atom, facts); break;
+        case Four("clap"):
             // The properties have no clean aperture: the coded size stands.
             Log(LogLevel::Detail, "%s: 'clap' of %zu bytes is not applied\n", Owner, atom.size);
             break;
