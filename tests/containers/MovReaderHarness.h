@@ -86,27 +86,37 @@ inline std::vector<TrackPacket> ReadTrackPackets(Quorvex::Vek::CContainerReader*
     return packets;
 }
 
+// ffmpeg drops the samples after the end of the last edit; we keep them
+// in their place, excluded. Comparisons leave those out.
+inline std::vector<TrackPacket> WithoutTrailingExcluded(std::vector<TrackPacket> packets)
+{
+    while (!packets.empty() && packets.back().discard)
+        packets.pop_back();
+    return packets;
+}
+
 // `exactTimes` false compares places, sizes and flags only.
 inline void ExpectPacketsEqual(const std::vector<TrackPacket>& ours, const std::vector<TrackPacket>& probed,
                                bool exactTimes = true)
 {
-    ASSERT_EQ(ours.size(), probed.size());
-    for (size_t i = 0; i < ours.size(); ++i) {
+    const std::vector<TrackPacket> kept = ours.size() > probed.size() ? WithoutTrailingExcluded(ours) : ours;
+    ASSERT_EQ(kept.size(), probed.size());
+    for (size_t i = 0; i < kept.size(); ++i) {
         SCOPED_TRACE("packet " + std::to_string(i));
         if (exactTimes) {
-            EXPECT_EQ(ours[i].dts, probed[i].dts);
-            EXPECT_EQ(ours[i].pts, probed[i].pts);
+            EXPECT_EQ(kept[i].dts, probed[i].dts);
+            EXPECT_EQ(kept[i].pts, probed[i].pts);
         }
         // ffmpeg gives compressed audio packets the codec's frame length
         // where the file times them otherwise (a longer first or a shorter
         // last frame); the file's timing is ours: each sample lasts until
         // the next one is decoded.
-        if (i + 1 < ours.size())
-            EXPECT_EQ(ours[i].duration, ours[i + 1].dts - ours[i].dts);
-        EXPECT_EQ(ours[i].position, probed[i].position);
-        EXPECT_EQ(ours[i].size, probed[i].size);
-        EXPECT_EQ(ours[i].key, probed[i].key);
-        EXPECT_EQ(ours[i].discard, probed[i].discard);
+        if (i + 1 < kept.size())
+            EXPECT_EQ(kept[i].duration, kept[i + 1].dts - kept[i].dts);
+        EXPECT_EQ(kept[i].position, probed[i].position);
+        EXPECT_EQ(kept[i].size, probed[i].size);
+        EXPECT_EQ(kept[i].key, probed[i].key);
+        EXPECT_EQ(kept[i].discard, probed[i].discard);
         if (::testing::Test::HasFailure())
             return;
     }

@@ -1,11 +1,10 @@
 #pragma once
 
-// QuickTime and MP4 files from writers other than ffmpeg, so the readers'
+// QuickTime and MP4 files from a writer other than ffmpeg, so the readers'
 // tests compare what several muxers make of the same streams: GStreamer's
-// qtmux and mp4mux (gst-launch-1.0), and GPAC's MP4Box where it is
-// installed. The streams are H.264 and AAC encoded by ffmpeg; GStreamer
-// takes them in Matroska (raw H.264 carries no timestamps for its muxers to
-// use), MP4Box as raw elementary streams.
+// qtmux and mp4mux (gst-launch-1.0). The streams are H.264 and AAC encoded
+// by ffmpeg, handed over in Matroska (raw H.264 carries no timestamps for
+// GStreamer's muxers to use).
 //
 // Every writer returns the file's bytes, or empty when a program is missing
 // or fails; tests call the Require macros first so that a missing tool is a
@@ -24,7 +23,7 @@ inline bool HasProgram(const std::string& versionCommand)
     (void)versionCommand;
     return false;
 #else
-    return std::system((versionCommand + " >/dev/null 2>&1").c_str()) == 0;
+    return std::system(("(" + versionCommand + ") >/dev/null 2>&1").c_str()) == 0;
 #endif
 }
 
@@ -38,23 +37,11 @@ inline bool HasGstreamer()
     return has;
 }
 
-inline bool HasMp4Box()
-{
-    static const bool has = HasProgram("MP4Box -version");
-    return has;
-}
-
 #define VEK_REQUIRE_GSTREAMER()                                                                                        \
     do {                                                                                                               \
         if (!VekTest::HasGstreamer() || !VekTest::HasFfmpeg())                                                         \
             GTEST_SKIP() << "GStreamer (gst-launch-1.0 with qtmux, mp4mux) or ffmpeg not available";                   \
     } while (false)
-#define VEK_REQUIRE_MP4BOX()                                                                                           \
-    do {                                                                                                               \
-        if (!VekTest::HasMp4Box() || !VekTest::HasFfmpeg())                                                            \
-            GTEST_SKIP() << "GPAC's MP4Box or ffmpeg not available";                                                   \
-    } while (false)
-
 // One second of H.264 (25 fps, B-frames) and AAC in Matroska, for
 // GStreamer, with ffmpeg `options` such as "-metadata title=T": Matroska's
 // file tags reach GStreamer's muxers as global tags, which they write as the
@@ -95,30 +82,6 @@ inline std::string GstTimeCodeMux(const TempDir& dir, const std::string& rate, b
         " ! timecodestamper drop-frame=" + (dropFrame ? "true" : "false") +
         " timecode-offset=" + std::to_string(startFrame) + " ! x264enc ! h264parse ! qtmux ! filesink location='" +
         path + "' >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0)
-        return {};
-    return ReadFile(path);
-}
-
-// Raw H.264 and ADTS AAC for MP4Box; false when ffmpeg fails.
-inline bool WriterSourceElementary(const TempDir& dir)
-{
-    const std::string video = "ffmpeg -v error -nostdin -y -f lavfi -i testsrc=d=1:r=25:s=128x96 -c:v libx264 "
-                              "-bf 2 -f h264 '" + dir.File("source.h264") + "' >/dev/null 2>&1";
-    const std::string audio = "ffmpeg -v error -nostdin -y -f lavfi -i sine=d=1 -c:a aac -f adts '" +
-                              dir.File("source.aac") + "' >/dev/null 2>&1";
-    return std::system(video.c_str()) == 0 && std::system(audio.c_str()) == 0;
-}
-
-// MP4Box over the elementary streams, with `options` (e.g. "-frag 200" for
-// fragments, "" for a plain file). The file's bytes, or empty.
-inline std::string Mp4BoxMux(const TempDir& dir, const std::string& options, const std::string& name)
-{
-    if (!WriterSourceElementary(dir))
-        return {};
-    const std::string path = dir.File(name);
-    const std::string command = "MP4Box -quiet -add '" + dir.File("source.h264") + ":fps=25' -add '" +
-                                dir.File("source.aac") + "' " + options + " -new '" + path + "' >/dev/null 2>&1";
     if (std::system(command.c_str()) != 0)
         return {};
     return ReadFile(path);
