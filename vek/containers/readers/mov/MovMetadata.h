@@ -7,7 +7,7 @@
 //   - QuickTime user-data text atoms in 'udta' (©nam, ©ART ...): a list of
 //     (16-bit size, 16-bit language, text) records. Language codes below
 //     0x400 are Macintosh codes whose text is Mac-Roman; packed ISO 639
-//     codes (0x400 and up, 0x7FFF "unspecified" among them) carry UTF-8,
+//     codes (0x400 and up, 0x7FFF, "no language", among them) carry UTF-8,
 //     or UTF-16 when the text starts with a byte-order mark. The first
 //     record wins; later records are the same text in other languages.
 //   - iTunes item lists ('meta' with handler 'mdir', 'ilst'): each item is
