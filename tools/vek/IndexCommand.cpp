@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 #include <vek/containers/CIndexer.h>
 
@@ -81,32 +82,41 @@ int RunIndex(int argc, char** argv)
     bar.Finish();
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     const unsigned int state = indexer->GetState();
-    const int32_t tracks = indexer->GetAudioMediaCount();
-    if (json) {
+    // Every track, video first, then audio and subtitles, numbered as vek probe numbers them.
+    struct Row {
+        const char* type;
+        CMediaIndexer* index;
+    };
+    std::vector<Row> rows;
+    for (int32_t track = 0; track < indexer->GetVideoMediaCount(); ++track)
+        rows.push_back({"video", indexer->GetVideoIndexer(track)});
+    for (int32_t track = 0; track < indexer->GetAudioMediaCount(); ++track)
+        rows.push_back({"audio", indexer->GetAudioIndexer(track)});
+    for (int32_t track = 0; track < indexer->GetSubtitleMediaCount(); ++track)
+        rows.push_back({"subtitle", indexer->GetSubtitleIndexer(track)});
+    if (json)
         std::printf("{\n  \"filename\": %s,\n  \"state\": %s,\n  \"duration\": %.6f,\n  \"index_seconds\": %.6f,\n"
                     "  \"tracks\": [",
                     JsonString(source.path).c_str(), JsonString(StateText(state)).c_str(), indexer->GetDuration(),
                     seconds);
-        for (int32_t track = 0; track < tracks; ++track) {
-            CMediaIndexer* index = indexer->GetAudioIndexer(track);
-            std::printf("%s\n    {\"track\": %d, \"type\": \"audio\", \"samples\": %lld, \"duration\": %.6f, "
-                        "\"bit_rate\": %lld}",
-                        track ? "," : "", track, static_cast<long long>(index ? index->GetSampleCount() : 0),
-                        index ? index->GetDurationInSeconds() : 0.0,
-                        static_cast<long long>(index ? index->GetBitRate() : 0));
-        }
-        std::printf("%s]\n}\n", tracks ? "\n  " : "");
-    } else {
+    else
         std::printf("file:     %s\nstate:    %s\nduration: %.6f s\nindexed in %.3f s\n", source.path.c_str(),
                     StateText(state).c_str(), indexer->GetDuration(), seconds);
-        for (int32_t track = 0; track < tracks; ++track) {
-            CMediaIndexer* index = indexer->GetAudioIndexer(track);
-            std::printf("track %d: audio, %lld samples, %.6f s, %lld bit/s\n", track,
-                        static_cast<long long>(index ? index->GetSampleCount() : 0),
-                        index ? index->GetDurationInSeconds() : 0.0,
-                        static_cast<long long>(index ? index->GetBitRate() : 0));
-        }
+    for (size_t track = 0; track < rows.size(); ++track) {
+        CMediaIndexer* index = rows[track].index;
+        const long long samples = index ? index->GetSampleCount() : 0;
+        const double duration = index ? index->GetDurationInSeconds() : 0.0;
+        const long long bitRate = index ? index->GetBitRate() : 0;
+        if (json)
+            std::printf("%s\n    {\"track\": %zu, \"type\": \"%s\", \"samples\": %lld, \"duration\": %.6f, "
+                        "\"bit_rate\": %lld}",
+                        track ? "," : "", track, rows[track].type, samples, duration, bitRate);
+        else
+            std::printf("track %zu: %s, %lld samples, %.6f s, %lld bit/s\n", track, rows[track].type, samples, duration,
+                        bitRate);
     }
+    if (json)
+        std::printf("%s]\n}\n", rows.empty() ? "" : "\n  ");
     return state == CIndexer::Complete ? kExitOk : kExitFailure;
 }
 
