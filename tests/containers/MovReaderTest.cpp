@@ -11,6 +11,8 @@
 
 #include <vek/Vek.h>
 
+#include <cmath>
+
 using namespace Quorvex::Vek;
 using namespace VekTest;
 
@@ -55,6 +57,7 @@ const Variant Variants[] = {
      "-f lavfi -i sine=d=1 -c:v dnxhd -b:v 90M -pix_fmt yuv422p -c:a alac -f mov", false},
     {"mov_timecode", Video, "-c:v libx264 -timecode 01:00:00:12 -metadata title=Zürich -f mov", false},
     {"mov_c608", "testsrc=d=2:s=176x144:r=30000/1001", "-i CAPTIONS.scc -c:v libx264 -c:s copy -f mov", false},
+    {"mp4_chapters", Video, "-i CHAPTERS.txt -map 0 -map_chapters 1 -c:v libx264 -f mp4", false},
     {"mp4_tx3g", Video, "-i SUBTITLES.srt -c:v libx264 -c:s mov_text -metadata title=Tx3g -f mp4", false},
     {"mp4_two_audio", Video,
      "-f lavfi -i sine=d=2 -f lavfi -i sine=d=2:f=880 -map 0 -map 1 -map 2 -c:v libx264 -c:a aac -f mp4", false},
@@ -70,6 +73,9 @@ protected:
         WriteFile(s_dir->File("CAPTIONS.scc"),
                   "Scenarist_SCC V1.0\n\n00:00:00:00\t9420 9420 94ae 94ae 9452 9452 97a2 97a2 c8e5 ecec ef80 942c "
                   "942c 942f 942f\n\n00:00:01:00\t942c 942c\n");
+        WriteFile(s_dir->File("CHAPTERS.txt"), ";FFMETADATA1\n[CHAPTER]\nTIMEBASE=1/1000\nSTART=0\nEND=800\n"
+                                                "title=Opening\n[CHAPTER]\nTIMEBASE=1/1000\nSTART=800\nEND=2000\n"
+                                                "title=Zweites Kapitel\n");
         WriteFile(s_dir->File("SUBTITLES.srt"), "1\n00:00:00,500 --> 00:00:01,500\nHello\n\n"
                                                  "2\n00:00:01,700 --> 00:00:01,900\nagain\n");
     }
@@ -110,6 +116,18 @@ void ExpectContainerFactsEqual(CContainerReader* reader, const std::string& path
     const std::vector<std::string> timecode = JsonValues(timecodes, "timecode");
     if (!timecode.empty())
         EXPECT_EQ(TextProperty(reader, ContainerProperty::TimeCode), timecode.front());
+    const std::string chapters = Probe(path, "-show_chapters");
+    const std::vector<std::string> starts = JsonValues(chapters, "start_time");
+    const std::vector<std::string> titles = JsonValues(chapters, "title");
+    std::string expected;
+    for (size_t i = 0; i < starts.size() && i < titles.size(); ++i) {
+        const long long millis = std::llround(std::stod(starts[i]) * 1000);
+        char line[64];
+        std::snprintf(line, sizeof line, "%s%02lld:%02lld:%02lld.%03lld ", i ? "\n" : "", millis / 3600000,
+                      millis / 60000 % 60, millis / 1000 % 60, millis % 1000);
+        expected += line + titles[i];
+    }
+    EXPECT_EQ(TextProperty(reader, CMovieFileReader::ChaptersKey), expected);
     const std::string title = JsonValue(Probe(path, "-show_entries format_tags=title"), "title");
     if (!title.empty())
         EXPECT_EQ(TextProperty(reader, ContainerProperty::MovTitle), title);
@@ -197,7 +215,7 @@ TEST_P(MovReaderFiles, SamplesEqualFfprobePackets)
     if (!s_dir)
         GTEST_SKIP() << "ffmpeg is not installed";
     std::string options = variant.options;
-    for (const char* name : {"CAPTIONS.scc", "SUBTITLES.srt"})
+    for (const char* name : {"CAPTIONS.scc", "SUBTITLES.srt", "CHAPTERS.txt"})
         if (options.find(name) != std::string::npos)
             options.replace(options.find(name), std::strlen(name), "'" + s_dir->File(name) + "'");
     const std::string file = Encode(*s_dir, variant.input, options, std::string(variant.name) + ".mov");

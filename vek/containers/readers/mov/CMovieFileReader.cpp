@@ -1,5 +1,9 @@
 #include <vek/containers/readers/mov/CMovieFileReader.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
 #include <vek/containers/readers/elementary/VideoStreamFacts.h>
 #include <vek/containers/readers/mov/MovFragment.h>
 #include <vek/containers/readers/mov/MovMetadata.h>
@@ -761,10 +765,62 @@ int CMovieFileReader::PublishSubtitle(MovTrack& track)
     return RESULT_OK;
 }
 
-int CMovieFileReader::ReportChapters(const MovTrack& track)
+const char* const CMovieFileReader::ChaptersKey = "mov.chapters";
+
+// A chapter track's samples are QuickTime text samples: a 16-bit length and
+// the title. They become one container property, a line per chapter.
+int CMovieFileReader::ReportChapters(MovTrack& track)
 {
-    Log(LogLevel::Info, "%s: track %u holds chapter titles (%u samples); it is not a subtitle track\n",
-        GetFormatName(), track.trackId, track.table.GetSampleCount());
+    CString* text = CString::Create("");
+    RObject<CString> lines(text);
+    if (!lines)
+        return RESULT_OUT_OF_MEMORY;
+    std::string chapters;
+    MovSample sample;
+    uint32_t count = 0;
+    while (count < MaxChapters && track.cursor.Next(sample) == RESULT_OK) {
+        char title[MaxChapterTitle + 1] = {};
+        const int result = ReadChapterTitle(sample, title);
+        if (result == RESULT_OUT_OF_MEMORY)
+            return result;
+        if (result < 0)
+            continue;
+        const int64_t start = sample.decodeTime + track.GetShift();
+        const int64_t millis = start * 1000 / track.mediaTimeScale;
+        char line[64 + MaxChapterTitle];
+        std::snprintf(line, sizeof line, "%s%02lld:%02lld:%02lld.%03lld %s", count ? "\n" : "",
+                      static_cast<long long>(millis / 3600000), static_cast<long long>(millis / 60000 % 60),
+                      static_cast<long long>(millis / 1000 % 60), static_cast<long long>(millis % 1000), title);
+        chapters += line;
+        ++count;
+    }
+    track.cursor.Seek(0);
+    Log(LogLevel::Info, "%s: track %u holds %u chapter titles; kept as \"%s\"\n", GetFormatName(), track.trackId,
+        count, ChaptersKey);
+    if (count == 0)
+        return RESULT_OK;
+    return SetProperty(ChaptersKey, int32_t(chapters.size()), reinterpret_cast<const unsigned char*>(chapters.data()));
+}
+
+// The title of one text sample, cut at MaxChapterTitle bytes; -19017 for a
+// sample that holds none.
+int CMovieFileReader::ReadChapterTitle(const MovSample& sample, char (&title)[MaxChapterTitle + 1])
+{
+    if (sample.size < 2)
+        return RESULT_FORMAT_ERROR;
+    const uint32_t size = sample.size < MaxChapterTitle + 2 ? sample.size : MaxChapterTitle + 2;
+    RObject<CByteArray> bytes(CByteArray::Create(nullptr, int32_t(size)));
+    if (!bytes || !bytes->GetData())
+        return RESULT_OUT_OF_MEMORY;
+    if (ReadData(m_stream, sample.position, bytes) < 0)
+        return RESULT_FORMAT_ERROR;
+    const unsigned char* data = bytes->GetData();
+    const uint32_t length = std::min<uint32_t>(BigEndian::Load16(data), size - 2);
+    uint32_t kept = 0;
+    for (uint32_t i = 0; i < length; ++i)
+        if (data[2 + i] >= 0x20)
+            title[kept++] = char(data[2 + i]);
+    title[kept] = '\0';
     return RESULT_OK;
 }
 

@@ -10,7 +10,7 @@
 // logged), up to 32 audio and 32 subtitle tracks. A 'tmcd' track becomes
 // the container's start timecode ("timecode", "mov.tmcd"), a 'c608'/'c708'
 // track a subtitle track whose format says so ("mov.clcp"), a text track
-// that another track names as its chapters is left out (logged). The
+// that another track names as its chapters becomes ChaptersKey. The
 // movie's 'udta' and 'meta' become container properties. Media is ready
 // once BeginIndex has returned: WaitForMedia answers true.
 //
@@ -44,6 +44,10 @@ public:
     // to the sibling when both are registered).
     enum : int32_t { MatchScore = 128, SiblingScore = 64 };
     enum : uint32_t { MaxMovieBytes = 1u << 30 };
+    // "mov.chapters": the chapter titles of a chapter track, one line each,
+    // "HH:MM:SS.mmm title" at the chapter's start on the presentation
+    // timeline (UTF-8, up to 1000 chapters of up to 256 bytes).
+    static const char* const ChaptersKey;
 
     int Validate(CStream* stream) override;
 
@@ -106,7 +110,9 @@ private:
     int PublishAudio(MovTrack& track);
     int PublishSubtitle(MovTrack& track);
     int ReadMpegAudioLayout(MovTrack& track);
-    int ReportChapters(const MovTrack& track);
+    enum : uint32_t { MaxChapters = 1000, MaxChapterTitle = 256 };
+    int ReportChapters(MovTrack& track);
+    int ReadChapterTitle(const MovSample& sample, char (&title)[MaxChapterTitle + 1]);
     int ApplyTimeCode(MovTrack& track);
     static int64_t GetTrackDuration(const MovTrack& track);
     uint32_t GetChosenVideoDescription();
