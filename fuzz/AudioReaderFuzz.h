@@ -21,20 +21,35 @@ inline void Check(bool ok, const char* what)
     }
 }
 
+// The input as an in-memory file behind a stream context, and a reader of
+// that file that has validated the stream and holds the context, as a host
+// gets it from probing. Null for inputs over 1 MiB or without memory.
 template <typename Reader>
-int RunAudioReader(const uint8_t* data, size_t size)
+Quorvex::Vek::RObject<Reader> OpenFuzzedFile(const uint8_t* data, size_t size, int* score = nullptr)
 {
     using namespace Quorvex::Vek;
     if (size > (1u << 20))
-        return 0;
+        return RObject<Reader>();
     RObject<CMemoryStream> stream(new CMemoryStream(int32_t(size), data));
     RObject<CString> name(CString::Create("fuzz"));
     RObject<CContainerStreamContext> context(CContainerStreamContext::Create(stream, name));
     RObject<Reader> reader(new Reader());
     if (!stream || !name || !context || !reader)
-        return 0;
-    reader->Validate(stream);
+        return RObject<Reader>();
+    const int validated = reader->Validate(stream);
+    if (score)
+        *score = validated;
     reader->SetContext(context);
+    return reader;
+}
+
+template <typename Reader>
+int RunAudioReader(const uint8_t* data, size_t size)
+{
+    using namespace Quorvex::Vek;
+    RObject<Reader> reader = OpenFuzzedFile<Reader>(data, size);
+    if (!reader)
+        return 0;
     if (reader->BeginIndex() < 0) {
         Check(reader->GetAudioMediaCount() == 0, "a failed index left a track");
         return 0;

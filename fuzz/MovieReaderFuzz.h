@@ -35,16 +35,9 @@ template <typename Reader>
 int RunMovieReader(const uint8_t* data, size_t size)
 {
     using namespace Quorvex::Vek;
-    if (size > (1u << 20))
+    RObject<Reader> reader = OpenFuzzedFile<Reader>(data, size);
+    if (!reader)
         return 0;
-    RObject<CMemoryStream> stream(new CMemoryStream(int32_t(size), data));
-    RObject<CString> name(CString::Create("fuzz"));
-    RObject<CContainerStreamContext> context(CContainerStreamContext::Create(stream, name));
-    RObject<Reader> reader(new Reader());
-    if (!stream || !name || !context || !reader)
-        return 0;
-    reader->Validate(stream);
-    reader->SetContext(context);
     if (reader->BeginIndex() < 0) {
         Check(reader->GetVideoMediaCount() + reader->GetAudioMediaCount() + reader->GetSubtitleMediaCount() == 0,
               "a failed index left a track");

@@ -2,7 +2,7 @@
 // access unit and fetch its bytes. Whatever the bytes, the reader must end
 // in a result code, every sample must lie inside the file and carry the
 // bytes it says, and an index failure must leave no track.
-#include <vek/Vek.h>
+#include "AudioReaderFuzz.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -23,19 +23,13 @@ void Check(bool ok, const char* what)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     using namespace Quorvex::Vek;
-    if (size > (1u << 20))
-        return 0;
-    RObject<CMemoryStream> stream(new CMemoryStream(int32_t(size), data));
-    RObject<CString> name(CString::Create("fuzz"));
-    RObject<CContainerStreamContext> context(CContainerStreamContext::Create(stream, name));
-    RObject<CMpeg4AvcContainerReader> reader(new CMpeg4AvcContainerReader());
-    if (!stream || !name || !context || !reader)
-        return 0;
     // As probing does: the reader that validated the stream indexes it.
-    const int score = reader->Validate(stream);
+    int score = 0;
+    RObject<CMpeg4AvcContainerReader> reader = VekFuzz::OpenFuzzedFile<CMpeg4AvcContainerReader>(data, size, &score);
+    if (!reader)
+        return 0;
     Check(score >= 0 && score <= CMpeg4AvcContainerReader::StartScore, "a score out of range");
     CMpeg4AvcContainerReader* indexing = reader.Get();
-    indexing->SetContext(context);
     if (indexing->BeginIndex() < 0) {
         Check(indexing->GetVideoMediaCount() == 0, "a failed index left a track");
         return 0;

@@ -3,7 +3,7 @@
 // the reader must end in a result code; every sample must lie inside the
 // file, carry its bytes and keep decode times rising; a failed index must
 // leave no track.
-#include <vek/Vek.h>
+#include "AudioReaderFuzz.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -24,17 +24,9 @@ void Check(bool ok, const char* what)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     using namespace Quorvex::Vek;
-    if (size > (1u << 20))
+    RObject<CMpegHevcContainerReader> reader = VekFuzz::OpenFuzzedFile<CMpegHevcContainerReader>(data, size);
+    if (!reader)
         return 0;
-    RObject<CMemoryStream> stream(new CMemoryStream(int32_t(size), data));
-    RObject<CString> name(CString::Create("fuzz.hevc"));
-    RObject<CContainerStreamContext> context(CContainerStreamContext::Create(stream, name));
-    RObject<CMpegHevcContainerReader> reader(new CMpegHevcContainerReader());
-    if (!stream || !name || !context || !reader)
-        return 0;
-    reader->Validate(stream);
-    stream->Seek(0, CStream::Begin);
-    reader->SetContext(context);
     if (reader->BeginIndex() < 0) {
         Check(reader->GetVideoMediaCount() == 0, "a failed index left a track");
         return 0;

@@ -4,7 +4,7 @@
 // each reader. Whatever the bytes, a reader must end in a result code:
 // every sample lies inside the file, carries the bytes it says and has a
 // duration, and a failed index leaves no track.
-#include <vek/Vek.h>
+#include "AudioReaderFuzz.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -25,15 +25,11 @@ void Check(bool ok, const char* what)
 template <typename Reader>
 void Run(const uint8_t* data, size_t size)
 {
-    RObject<CMemoryStream> stream(new CMemoryStream(int32_t(size), data));
-    RObject<CString> name(CString::Create("fuzz"));
-    RObject<CContainerStreamContext> context(CContainerStreamContext::Create(stream, name));
-    RObject<Reader> reader(new Reader());
-    if (!stream || !name || !context || !reader)
+    int score = 0;
+    RObject<Reader> reader = VekFuzz::OpenFuzzedFile<Reader>(data, size, &score);
+    if (!reader)
         return;
-    const int score = reader->Validate(stream);
     Check(score >= 0 && score <= CMpegVideoStreamReader::ExactScore, "a score out of range");
-    reader->SetContext(context);
     if (reader->BeginIndex() < 0) {
         Check(reader->GetVideoMediaCount() == 0, "a failed index left a track");
         return;
