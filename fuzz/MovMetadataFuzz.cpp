@@ -38,7 +38,7 @@ MovBox Span(const uint8_t* data, size_t size, uint32_t type)
 void ReadTimeCode(const uint8_t* data, size_t size, IProperties& bag)
 {
     MovTimeCodeDescription description {};
-    if (ReadTimeCodeDescription(Span(data, size, MovType("tmcd")), description) != RESULT_OK)
+    if (ReadTimeCodeDescription(Span(data, size, Four("tmcd")), description) != RESULT_OK)
         return;
     Check(size >= 4, "a description shorter than a sample was accepted");
     const int result = ApplyStartTimeCode(description, data + size - 4, 4, &bag);
@@ -61,9 +61,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     IProperties bag;
     int result = RESULT_OK;
     if (mode == 0)
-        result = ReadUserData(Span(data, size, MovType("udta")), &bag);
+        result = ReadUserData(Span(data, size, Four("udta")), &bag);
     else if (mode == 1)
-        result = ReadMetadata(Span(data, size, MovType("meta")), &bag);
+        result = ReadMetadata(Span(data, size, Four("meta")), &bag);
     else
         ReadTimeCode(data, size, bag);
     Check(result == RESULT_OK || result == RESULT_OUT_OF_MEMORY, "metadata made the file unreadable");
