@@ -1,12 +1,14 @@
 #include <vek/containers/readers/mov/CMovieFileReader.h>
 
 #include <algorithm>
+#include <memory>
 #include <cstdio>
 #include <string>
 
 #include <vek/containers/readers/elementary/VideoStreamFacts.h>
 #include <vek/containers/readers/mov/MovFragment.h>
 #include <vek/containers/readers/mov/MovMetadata.h>
+#include <vek/containers/readers/mov/MovSegmentIndex.h>
 #include <vek/containers/readers/mov/MovTimeCode.h>
 #include <vek/core/CheckedMath.h>
 #include <vek/core/FourCCText.h>
@@ -16,6 +18,7 @@
 #include <vek/elementary/MpegAudioFrameHeader.h>
 #include <vek/media/AudioFormat.h>
 #include <vek/io/BigEndian.h>
+#include <vek/io/CFileStream.h>
 #include <vek/media/ContainerProperty.h>
 #include <vek/media/ContainerReaderProperty.h>
 #include <vek/media/VideoFormat.h>
@@ -195,31 +198,37 @@ int CMovieFileReader::BeginIndex()
 {
     CAutoLock lock(this);
     int result = OpenFile();
-    if (result >= 0) {
-        CAutoLock streamLock(m_stream);
-        result = WalkFile();
-        if (result >= 0)
-            result = FinishTracks();
-    }
+    if (result >= 0)
+        result = WalkToMovie();
+    if (result >= 0 && m_fragmented.load())
+        result = ReadRandomAccess();
+    // The first fragment: its samples are there as soon as BeginIndex returns.
+    while (result >= 0 && m_fragmented.load() && m_fragmentsRead == 0 && !m_walk.IsFinished())
+        result = WalkStep();
+    if (result >= 0)
+        result = FinishTracks();
     if (result < 0)
         DropTracks();
+    PublishWalkProgress();
     return result;
 }
 
 int CMovieFileReader::OpenFile()
 {
     DropTracks();
+    m_fragmentsRead = 0;
+    m_fragmented.store(false);
+    m_randomAccessSeen.store(false);
     CStream* opened = nullptr;
-    const int result = OpenStream(opened);
+    int result = OpenStream(opened);
     m_stream = RObject<CStream>(opened);
+    if (result >= 0)
+        result = OpenWalk();
     if (result < 0) {
         Log(LogLevel::Error, "%s: opening the file of the context failed with %s\n", GetFormatName(),
             GetResultName(result));
         return result;
     }
-    m_fileSize = m_stream->GetLength();
-    if (m_fileSize < 0)
-        m_fileSize = INT64_MAX;
     // Descriptions are read by the file's own family, whichever reader was chosen.
     m_fileFamily = MovFileProbe::Probe(m_stream);
     if (m_fileFamily == MovFamily::None)
@@ -227,116 +236,129 @@ int CMovieFileReader::OpenFile()
     return RESULT_OK;
 }
 
-// Reads the header of the top-level box at `position`. `cut` when the box
-// runs past the end of the file (a recording that stopped).
-int CMovieFileReader::ReadBoxAt(int64_t position, MovBox& box, int64_t& nextPosition, bool& cut)
+// The walk reads through a stream of its own, opened with the reader's
+// read timeout, so that following a growing file never blocks sample reads.
+int CMovieFileReader::OpenWalk()
 {
-    unsigned char header[LargeHeader];
-    const int64_t remaining = m_fileSize - position;
-    const int32_t wanted = remaining < LargeHeader ? int32_t(remaining) : LargeHeader;
-    int result = m_stream->Seek(position, CStream::Begin);
-    if (result >= 0)
-        result = m_stream->Read(header, wanted);
+    CStream* opened = nullptr;
+    const int result = OpenStream(opened);
+    RObject<CStream> walkStream(opened);
     if (result < 0)
         return result;
-    if (result < 8) {
-        Log(LogLevel::Warning, "%s: %d stray bytes at the end of the file (%lld) are ignored\n", GetFormatName(),
-            int(result), static_cast<long long>(position));
-        return 1;
+    m_walk.Start(walkStream, GetFormatName());
+    m_fileSize = m_walk.GetLength();
+    if (m_walk.IsFollowing() && walkStream.Get() != m_stream.Get()) {
+        // Samples lie in fragments already whole: their reads never wait.
+        int32_t noWait = 0;
+        m_stream->Control(CFileStream::SetReadTimeout, int32_t(sizeof noWait),
+                          reinterpret_cast<unsigned char*>(&noWait));
     }
-    uint64_t size = BigEndian::Load32(header);
-    box = MovBox();
-    box.type = BigEndian::Load32(header + 4);
-    box.fileOffset = position;
-    box.headerSize = 8;
-    if (size == 1) {
-        if (result < LargeHeader)
-            return 1;
-        size = BigEndian::Load64(header + 8);
-        box.headerSize = LargeHeader;
-    } else if (size == 0) {
-        size = uint64_t(remaining);
-    }
-    if (size < box.headerSize) {
-        Log(LogLevel::Error, "%s: box '%s' at %lld has size %llu\n", GetFormatName(), FourCCText(box.type).c_str(),
-            static_cast<long long>(position), static_cast<unsigned long long>(size));
-        return RESULT_FORMAT_ERROR;
-    }
-    cut = size > uint64_t(remaining);
-    const uint64_t kept = cut ? uint64_t(remaining) : size;
-    box.size = size_t(kept - box.headerSize);
-    nextPosition = position + int64_t(kept);
     return RESULT_OK;
 }
 
-// Reads a top-level box's payload into memory; `box` then points into it.
-int CMovieFileReader::ReadPayload(const MovBox& header, RObject<CByteArray>& bytes, MovBox& box)
+int CMovieFileReader::WalkToMovie()
 {
-    if (header.size > MaxMovieBytes) {
-        Log(LogLevel::Error, "%s: '%s' at %lld holds %llu bytes, more than the %u this reader reads\n",
-            GetFormatName(), FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset),
-            static_cast<unsigned long long>(header.size), unsigned(MaxMovieBytes));
-        return RESULT_FORMAT_ERROR;
-    }
-    bytes = RObject<CByteArray>(CByteArray::Create(nullptr, int32_t(header.size)));
-    if (!bytes || (header.size > 0 && !bytes->GetData()))
-        return RESULT_OUT_OF_MEMORY;
-    const int result = ReadData(m_stream, header.PayloadOffset(), bytes);
-    if (result < 0) {
-        Log(LogLevel::Error, "%s: reading '%s' at %lld failed with %s\n", GetFormatName(),
-            FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset), GetResultName(result));
-        return result;
-    }
-    box = header;
-    box.payload = bytes->GetData();
-    return RESULT_OK;
-}
-
-int CMovieFileReader::WalkFile()
-{
-    int64_t position = 0;
-    while (position < m_fileSize) {
-        MovBox header;
-        int64_t next = 0;
-        bool cut = false;
-        int result = ReadBoxAt(position, header, next, cut);
+    while (!m_movieSeen && !m_walk.IsFinished()) {
+        const int result = WalkStep();
         if (result < 0)
             return result;
-        if (result > 0)
-            break;
-        const bool wanted = header.type == Four("moov") || (header.type == Four("moof") && m_movieSeen);
-        if (wanted && cut) {
-            Log(header.type == Four("moov") ? LogLevel::Error : LogLevel::Warning,
-                "%s: '%s' at %lld runs past the end of the file\n", GetFormatName(), FourCCText(header.type).c_str(),
-                static_cast<long long>(position));
-            if (header.type == Four("moov"))
-                return RESULT_FORMAT_ERROR;
-            break;
-        }
-        if (header.type == Four("moov") && m_movieSeen) {
-            Log(LogLevel::Warning, "%s: a second 'moov' at %lld is ignored\n", GetFormatName(),
-                static_cast<long long>(position));
-        } else if (wanted) {
-            RObject<CByteArray> bytes;
-            MovBox box;
-            if ((result = ReadPayload(header, bytes, box)) < 0)
-                return result;
-            if (header.type == Four("moov")) {
-                m_movie = bytes;
-                result = ReadMovie(box);
-            } else {
-                result = ReadFragment(box);
-            }
-            if (result < 0)
-                return result;
-        }
-        position = next;
     }
     if (!m_movieSeen) {
         Log(LogLevel::Error, "%s: the file has no 'moov'\n", GetFormatName());
         return RESULT_FORMAT_ERROR;
     }
+    // A movie without fragments is whole: nothing after it is wanted.
+    if (!m_fragmented.load())
+        m_walk.Finish();
     return RESULT_OK;
+}
+
+// One top-level box: 0 when walked, 1 at the end of the walk, or a code.
+int CMovieFileReader::WalkStep()
+{
+    MovBox header;
+    bool cut = false;
+    int result = m_walk.Next(header, cut);
+    m_fileSize = m_walk.GetLength();
+    if (result == RESULT_OK) {
+        if (cut && (header.type == Four("moov") || header.type == Four("moof"))) {
+            const bool movie = header.type == Four("moov");
+            Log(movie && !m_movieSeen ? LogLevel::Error : LogLevel::Warning,
+                "%s: '%s' at %lld runs past the end of the file (%lld)\n", GetFormatName(),
+                FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset),
+                static_cast<long long>(m_fileSize));
+            result = movie && !m_movieSeen ? RESULT_FORMAT_ERROR : 1;
+        } else {
+            result = ReadTopLevelBox(header);
+        }
+    }
+    PublishWalkProgress();
+    return result;
+}
+
+int CMovieFileReader::ReadTopLevelBox(const MovBox& header)
+{
+    const bool movie = header.type == Four("moov");
+    if (movie && m_movieSeen) {
+        Log(LogLevel::Warning, "%s: a second 'moov' at %lld is ignored\n", GetFormatName(),
+            static_cast<long long>(header.fileOffset));
+        return RESULT_OK;
+    }
+    if (header.type == Four("mfra")) {
+        m_walk.Finish(); // the index a writer appends last: no fragment follows
+        return RESULT_OK;
+    }
+    const bool fragment = header.type == Four("moof") && m_movieSeen && m_fragmented.load();
+    const bool segments = header.type == Four("sidx") && m_movieSeen && m_fragmentsRead == 0;
+    if (!movie && !fragment && !segments)
+        return RESULT_OK;
+    RObject<CByteArray> bytes;
+    MovBox box;
+    int result = m_walk.ReadPayload(header, bytes, box);
+    m_fileSize = m_walk.GetLength();
+    if (result != RESULT_OK)
+        return result > 0 && movie ? RESULT_FORMAT_ERROR : result;
+    if (movie) {
+        m_movie = bytes;
+        result = ReadMovie(box);
+        m_walk.AllowResume();
+        return result;
+    }
+    if (segments)
+        return ReadDeclaredSegments(box);
+    result = ReadFragment(box);
+    ++m_fragmentsRead;
+    NotifyAll();
+    return result;
+}
+
+// The next sample of a track, walking on through the fragments when the
+// parsed ones are used up: 0 with it, 1 at the end, or a code.
+int CMovieFileReader::NextSample(MovTrack& track, MovSample& sample)
+{
+    while (track.cursor.Next(sample) != RESULT_OK) {
+        if (m_walk.IsFinished())
+            return 1;
+        const int result = WalkStep();
+        if (result < 0)
+            return result;
+    }
+    return RESULT_OK;
+}
+
+void CMovieFileReader::PublishWalkProgress()
+{
+    m_walkedBytes.store(m_walk.GetPosition());
+    m_walkLength.store(m_walk.GetLength());
+    m_walkRead.store(m_walk.GetBytesRead());
+    m_walkFinished.store(m_walk.IsFinished());
+    m_walkFollowing.store(m_walk.IsFollowing());
+}
+
+CMovieFileReader::WalkProgress CMovieFileReader::GetWalkProgress() const
+{
+    return {m_walkedBytes.load(), m_walkLength.load(), m_walkRead.load(), m_walkFollowing.load(),
+            m_walkFinished.load()};
 }
 
 int CMovieFileReader::ReadMovie(const MovBox& moov)
@@ -373,6 +395,7 @@ int CMovieFileReader::ReadMovie(const MovBox& moov)
     }
     if (result < 0)
         return result;
+    m_fragmented.store(hasExtends);
     return hasExtends ? ReadExtends(mvex) : RESULT_OK;
 }
 
@@ -604,7 +627,184 @@ int CMovieFileReader::ReadExtends(const MovBox& mvex)
     const int result = ReadMovieExtends(mvex, fragments, size_t(m_trackCount));
     for (int32_t i = 0; i < m_trackCount; ++i)
         m_tracks[i]->fragmentDefaults = fragments[i].defaults;
+    MovBoxIterator children(mvex);
+    MovBox mehd;
+    if (result >= 0 && children.Find(Four("mehd"), mehd) == RESULT_OK)
+        return ReadExtendsHeader(mehd);
     return result;
+}
+
+// 'mehd': the whole fragmented movie's duration, in the movie time scale.
+int CMovieFileReader::ReadExtendsHeader(const MovBox& mehd)
+{
+    MovFieldReader fields(mehd);
+    uint8_t version = 0;
+    uint32_t flags = 0;
+    fields.ReadVersionAndFlags(version, flags);
+    const uint64_t duration = version == 1 ? fields.Read64() : fields.Read32();
+    if (fields.Failed() || duration > uint64_t(INT64_MAX)) {
+        Log(LogLevel::Warning, "%s: 'mehd' of %zu bytes (version %u) is ignored\n", GetFormatName(), mehd.size,
+            unsigned(version));
+        return RESULT_OK;
+    }
+    for (int32_t i = 0; i < m_trackCount; ++i)
+        DeclareDuration(*m_tracks[i], int64_t(duration), m_movieTimeScale);
+    return RESULT_OK;
+}
+
+// Raises a track's announced duration to `duration` units of `timeScale`.
+void CMovieFileReader::DeclareDuration(MovTrack& track, int64_t duration, uint32_t timeScale)
+{
+    if (timeScale == 0 || duration <= 0 || track.mediaTimeScale == 0)
+        return;
+    const double media = double(duration) * double(track.mediaTimeScale) / double(timeScale);
+    if (media >= 9.2e18)
+        return;
+    const int64_t converted = int64_t(media + 0.5);
+    if (converted > track.declaredDuration)
+        track.declaredDuration = converted;
+}
+
+// A 'sidx' before the first fragment announces its track's duration: the
+// earliest presentation time plus the durations it references.
+int CMovieFileReader::ReadDeclaredSegments(const MovBox& sidx)
+{
+    MovSegmentIndex index;
+    const int result = ReadSegmentIndex(sidx, index);
+    if (result == RESULT_OUT_OF_MEMORY)
+        return result;
+    if (result < 0)
+        return RESULT_OK; // logged; the index is a hint
+    int64_t total = index.earliestPresentationTime;
+    for (int32_t i = 0; i < index.references.Count() && total >= 0; ++i)
+        total = total > INT64_MAX - index.references[i].duration ? -1 : total + index.references[i].duration;
+    for (int32_t i = 0; i < m_trackCount && total > 0; ++i)
+        if (m_tracks[i]->trackId == index.referenceId)
+            DeclareDuration(*m_tracks[i], total, index.timescale);
+    return RESULT_OK;
+}
+
+// The 'mfra' a writer appends when it finishes: found from the 'mfro' in the
+// last 16 bytes. Its 'moof' offsets let the walk resume after damage, and
+// the last fragment it names tells how long each track is.
+int CMovieFileReader::ReadRandomAccess()
+{
+    enum : uint32_t { MfroBytes = 16, MaxRandomAccessBytes = 64u << 20 };
+    if (m_walk.IsFollowing() || m_fileSize < int64_t(MfroBytes))
+        return RESULT_OK;
+    RObject<CByteArray> tail(CByteArray::Create(nullptr, MfroBytes));
+    if (!tail || !tail->GetData())
+        return RESULT_OUT_OF_MEMORY;
+    if (ReadData(m_stream, m_fileSize - MfroBytes, tail) < 0)
+        return RESULT_OK;
+    const uint8_t* bytes = tail->GetData();
+    if (BigEndian::Load32(bytes) != MfroBytes || BigEndian::Load32(bytes + 4) != Four("mfro"))
+        return RESULT_OK;
+    MovBox mfro;
+    mfro.type = Four("mfro");
+    mfro.payload = bytes + 8;
+    mfro.size = 8;
+    mfro.fileOffset = m_fileSize - MfroBytes;
+    mfro.headerSize = 8;
+    uint32_t size = 0;
+    if (ReadMovieFragmentRandomAccessOffset(mfro, size) < 0 || size < MfroBytes + 8 ||
+        size > MaxRandomAccessBytes || int64_t(size) > m_fileSize) {
+        Log(LogLevel::Warning, "%s: 'mfro' states an 'mfra' of %u bytes in a file of %lld; ignored\n",
+            GetFormatName(), size, static_cast<long long>(m_fileSize));
+        return RESULT_OK;
+    }
+    RObject<CByteArray> index(CByteArray::Create(nullptr, int32_t(size)));
+    if (!index || !index->GetData())
+        return RESULT_OUT_OF_MEMORY;
+    const int64_t at = m_fileSize - size;
+    if (ReadData(m_stream, at, index) < 0)
+        return RESULT_OK;
+    const uint8_t* data = index->GetData();
+    if (BigEndian::Load32(data) != size || BigEndian::Load32(data + 4) != Four("mfra")) {
+        Log(LogLevel::Warning, "%s: 'mfro' points at %lld, where no 'mfra' of %u bytes is; ignored\n",
+            GetFormatName(), static_cast<long long>(at), size);
+        return RESULT_OK;
+    }
+    MovBox mfra;
+    mfra.type = Four("mfra");
+    mfra.payload = data + 8;
+    mfra.size = size - 8;
+    mfra.fileOffset = at;
+    mfra.headerSize = 8;
+    int64_t lastFragment = -1;
+    int result = ReadRandomAccessBoxes(mfra, lastFragment);
+    if (result >= 0 && lastFragment >= 0)
+        result = ReadLastFragmentDurations(lastFragment);
+    return result;
+}
+
+int CMovieFileReader::ReadRandomAccessBoxes(const MovBox& mfra, int64_t& lastFragment)
+{
+    MovBoxIterator children(mfra);
+    MovBox tfra;
+    int result;
+    while ((result = children.Next(tfra)) == RESULT_OK) {
+        if (tfra.type != Four("tfra"))
+            continue;
+        MovTrackRandomAccess access;
+        if ((result = ReadTrackFragmentRandomAccess(tfra, access)) == RESULT_OUT_OF_MEMORY)
+            return result;
+        if (result < 0)
+            continue; // logged; the other tracks' entries still count
+        m_randomAccessSeen.store(true);
+        for (int32_t i = 0; i < access.entries.Count(); ++i) {
+            const int64_t offset = access.entries[i].moofOffset;
+            if (offset <= 0 || offset >= m_fileSize)
+                continue;
+            if ((result = m_walk.AddKnownFragment(offset)) < 0)
+                return result;
+            lastFragment = offset > lastFragment ? offset : lastFragment;
+        }
+    }
+    return result == RESULT_OUT_OF_MEMORY ? result : RESULT_OK;
+}
+
+// Parses the last fragment 'mfra' names into scratch tables: where its
+// samples end is each track's duration when it carries its decode time.
+int CMovieFileReader::ReadLastFragmentDurations(int64_t offset)
+{
+    enum : uint32_t { MaxFragmentBytes = 16u << 20 };
+    RObject<CByteArray> head(CByteArray::Create(nullptr, 8));
+    if (!head || !head->GetData())
+        return RESULT_OUT_OF_MEMORY;
+    if (m_fileSize - offset < 8 || ReadData(m_stream, offset, head) < 0)
+        return RESULT_OK;
+    const uint32_t size = BigEndian::Load32(head->GetData());
+    if (BigEndian::Load32(head->GetData() + 4) != Four("moof") || size < 8 || size > MaxFragmentBytes ||
+        m_fileSize - offset < int64_t(size)) {
+        Log(LogLevel::Warning, "%s: 'mfra' names a 'moof' at %lld where none of a readable size is\n",
+            GetFormatName(), static_cast<long long>(offset));
+        return RESULT_OK;
+    }
+    RObject<CByteArray> bytes(CByteArray::Create(nullptr, int32_t(size - 8)));
+    if (!bytes || (size > 8 && !bytes->GetData()))
+        return RESULT_OUT_OF_MEMORY;
+    if (ReadData(m_stream, offset + 8, bytes) < 0)
+        return RESULT_OK;
+    MovBox moof;
+    moof.type = Four("moof");
+    moof.payload = bytes->GetData();
+    moof.size = size - 8;
+    moof.fileOffset = offset;
+    moof.headerSize = 8;
+    std::unique_ptr<MovSampleTable[]> scratch(new (fallible) MovSampleTable[size_t(m_trackCount)]);
+    if (!scratch)
+        return RESULT_OUT_OF_MEMORY;
+    MovFragmentTrack fragments[MaxTracks];
+    for (int32_t i = 0; i < m_trackCount; ++i)
+        fragments[i] = MovFragmentTrack{m_tracks[i]->trackId, m_tracks[i]->fragmentDefaults, &scratch[i]};
+    const int result = ReadMovieFragment(moof, fragments, size_t(m_trackCount), m_fileSize);
+    if (result == RESULT_OUT_OF_MEMORY)
+        return result;
+    for (int32_t i = 0; i < m_trackCount; ++i)
+        if (scratch[i].GetSampleCount() > 0)
+            DeclareDuration(*m_tracks[i], scratch[i].GetDuration(), m_tracks[i]->mediaTimeScale);
+    return RESULT_OK;
 }
 
 int CMovieFileReader::ReadFragment(const MovBox& moof)
@@ -658,13 +858,15 @@ int CMovieFileReader::FinishTracks()
 
 int64_t CMovieFileReader::GetTrackDuration(const MovTrack& track)
 {
+    const int64_t indexed = track.table.GetDuration();
+    const int64_t whole = track.declaredDuration > indexed ? track.declaredDuration : indexed;
     const int64_t presented = track.edits.GetPresentedDuration();
     if (!track.edits.IsEmpty() && presented > 0) {
-        const int64_t media = track.table.GetDuration() - track.edits.GetMediaStart();
+        const int64_t media = whole - track.edits.GetMediaStart();
         // An edit that runs past the media shows only the media there is.
         return presented < media || media <= 0 ? presented : media;
     }
-    return track.table.GetDuration();
+    return whole;
 }
 
 int CMovieFileReader::PublishVideo(MovTrack& track)
@@ -934,9 +1136,8 @@ int CMovieFileReader::ReadVideoSample(int32_t track, CVideoSample*& sample)
     if (!found)
         return RESULT_INDEX_OUT_OF_RANGE;
     MovSample next;
-    if (found->cursor.Next(next) != RESULT_OK)
-        return RESULT_OK;
-    return MakeVideoSample(*found, next, sample);
+    const int result = NextSample(*found, next);
+    return result == RESULT_OK ? MakeVideoSample(*found, next, sample) : result > 0 ? RESULT_OK : result;
 }
 
 int CMovieFileReader::MakeAudioSample(MovTrack& track, const MovSample& found, CAudioSample*& sample)
@@ -963,7 +1164,15 @@ int CMovieFileReader::CutPcmSample(MovTrack& track, CAudioSample*& sample)
 {
     MovChunk chunk = {};
     while (true) {
-        if (track.pcmChunk >= track.table.GetChunkCount() || track.table.GetChunk(track.pcmChunk, chunk) < 0)
+        if (track.pcmChunk >= track.table.GetChunkCount()) {
+            if (m_walk.IsFinished())
+                return RESULT_OK;
+            const int result = WalkStep();
+            if (result < 0)
+                return result;
+            continue;
+        }
+        if (track.table.GetChunk(track.pcmChunk, chunk) < 0)
             return RESULT_OK;
         if (track.pcmTaken < chunk.sampleCount)
             break;
@@ -1021,9 +1230,8 @@ int CMovieFileReader::ReadAudioSample(int32_t track, CAudioSample*& sample)
     if (found->audioLayout.pcm)
         return CutPcmSample(*found, sample);
     MovSample next;
-    if (found->cursor.Next(next) != RESULT_OK)
-        return RESULT_OK;
-    return MakeAudioSample(*found, next, sample);
+    const int result = NextSample(*found, next);
+    return result == RESULT_OK ? MakeAudioSample(*found, next, sample) : result > 0 ? RESULT_OK : result;
 }
 
 int CMovieFileReader::ReadSubtitleSample(int32_t track, CSubtitleSample*& sample)
@@ -1034,8 +1242,9 @@ int CMovieFileReader::ReadSubtitleSample(int32_t track, CSubtitleSample*& sample
     if (!found)
         return RESULT_INDEX_OUT_OF_RANGE;
     MovSample next;
-    if (found->cursor.Next(next) != RESULT_OK)
-        return RESULT_OK;
+    const int walked = NextSample(*found, next);
+    if (walked != RESULT_OK)
+        return walked > 0 ? RESULT_OK : walked;
     RObject<CSubtitleSample> made(CSubtitleSample::Create());
     RObject<CContainerDataReference> range(MakeRange(*found, next.position, next.size));
     if (!made || !range)

@@ -4,15 +4,30 @@
 // (CMpeg4ContainerReader) readers: both read the same box structure and
 // differ in which family of files they claim and in a few atoms.
 //
-// BeginIndex walks the file's top-level boxes by their headers only,
-// reads 'moov' (and every 'moof' after it) into memory, and builds the
-// tracks: at most one video track (the first enabled one; others are
+// BeginIndex walks the file's top-level boxes by their headers only
+// (MovFileWalk), reads 'moov' into memory and, in a fragmented movie, the
+// first 'moof' after it, and builds the tracks: at most one video track (the first enabled one; others are
 // logged), up to 32 audio and 32 subtitle tracks. A 'tmcd' track becomes
 // the container's start timecode ("timecode", "mov.tmcd"), a 'c608'/'c708'
 // track a subtitle track whose format says so ("mov.clcp"), a text track
 // that another track names as its chapters becomes ChaptersKey. The
 // movie's 'udta' and 'meta' become container properties. Media is ready
 // once BeginIndex has returned: WaitForMedia answers true.
+//
+// Fragmented movies: BeginIndex does not wait for the fragments after the
+// first. A track's sample read that reaches the end of what is parsed walks
+// on to the next 'moof' (reading only it and box headers), so the index
+// pass, on its own thread or not, parses the rest as it goes; every thread
+// waiting on the reader's monitor is woken after each fragment. The
+// duration a track states at BeginIndex is the longest of what 'mehd', the
+// 'sidx' boxes before the first fragment, the last fragment 'mfra' names and
+// the first fragment give; the index holds the real one. 'mfra' offsets
+// also let the walk resume after a damaged box.
+//
+// A file still being written (the reader's read timeout above 0, so its
+// stream waits for growth) is followed: each fragment is parsed once it is
+// whole, and the walk ends when the file has not grown for the read
+// timeout. Samples are read from a second stream that never waits.
 //
 // Samples come out per track in decode order, one access unit each
 // (compressed audio: packets 1, frames = its duration), except PCM, which
@@ -30,7 +45,10 @@
 // "mov.video_sample_description_index" (1-based, 4 bytes; 1 by default);
 // its samples of every entry are handed out.
 #include <vek/containers/CContainerReader.h>
+#include <atomic>
+
 #include <vek/containers/readers/mov/MovBox.h>
+#include <vek/containers/readers/mov/MovFileWalk.h>
 #include <vek/containers/readers/mov/MovFileProbe.h>
 #include <vek/containers/readers/mov/MovTrack.h>
 #include <vek/core/CByteArray.h>
@@ -82,6 +100,20 @@ public:
     int ReadAudioData(int32_t track, CContainerDataReference* range, CMemoryDataReference*& data) override;
     int ReadSubtitleData(int32_t track, CContainerDataReference* range, CMemoryDataReference*& data) override;
 
+    // Where the walk over the file stands; safe to ask from any thread, at
+    // any time (it never waits for the walk).
+    struct WalkProgress {
+        int64_t bytesWalked; // offset of the next top-level box
+        int64_t fileBytes; // the file's length as last seen
+        int64_t bytesRead; // bytes the walk read, samples not counted
+        bool following; // the file is followed while it grows
+        bool finished; // every fragment has been parsed
+    };
+    WalkProgress GetWalkProgress() const;
+    // A fragmented movie without an 'mfra' (its writer adds it last): the
+    // file may still be growing.
+    bool MayStillGrow() const { return m_fragmented.load() && !m_randomAccessSeen.load(); }
+
 protected:
     CMovieFileReader(uint32_t type, unsigned int flags, MovFamily family);
     ~CMovieFileReader() override;
@@ -91,9 +123,17 @@ private:
     enum : int32_t { MaxTracks = 256 };
 
     int OpenFile();
-    int WalkFile();
-    int ReadBoxAt(int64_t position, MovBox& box, int64_t& nextPosition, bool& cut);
-    int ReadPayload(const MovBox& header, RObject<CByteArray>& bytes, MovBox& box);
+    int OpenWalk();
+    int WalkStep();
+    int WalkToMovie();
+    int ReadTopLevelBox(const MovBox& header);
+    int NextSample(MovTrack& track, MovSample& sample);
+    void PublishWalkProgress();
+    int ReadRandomAccess();
+    int ReadRandomAccessBoxes(const MovBox& mfra, int64_t& lastFragment);
+    int ReadLastFragmentDurations(int64_t offset);
+    int ReadDeclaredSegments(const MovBox& sidx);
+    void DeclareDuration(MovTrack& track, int64_t duration, uint32_t timeScale);
     int ReadMovie(const MovBox& moov);
     int ReadMovieHeader(const MovBox& mvhd);
     int ReadTrack(const MovBox& trak);
@@ -104,6 +144,7 @@ private:
     int DescribeEntry(const MovBox& entry, MovTrack& track);
     int ReadFragment(const MovBox& moof);
     int ReadExtends(const MovBox& mvex);
+    int ReadExtendsHeader(const MovBox& mehd);
     int AdoptTrack(MovTrack*& track);
     int FinishTracks();
     int PublishVideo(MovTrack& track);
@@ -128,8 +169,14 @@ private:
 
     const MovFamily m_family;
     MovFamily m_fileFamily = MovFamily::None;
-    RObject<CStream> m_stream;
+    RObject<CStream> m_stream; // samples and the boxes read outside the walk
+    MovFileWalk m_walk;
     int64_t m_fileSize = 0;
+    std::atomic<bool> m_fragmented{false};
+    std::atomic<bool> m_randomAccessSeen{false};
+    int32_t m_fragmentsRead = 0;
+    std::atomic<int64_t> m_walkedBytes{0}, m_walkLength{0}, m_walkRead{0};
+    std::atomic<bool> m_walkFinished{false}, m_walkFollowing{false};
     uint32_t m_movieTimeScale = 0;
     bool m_movieSeen = false;
     bool m_timeCodeSeen = false;

@@ -44,6 +44,9 @@ struct VEK_API MovTrack {
     MovAudioLayout audioLayout;
     MovTimeCodeDescription timeCode = {};
     MovTrackDefaults fragmentDefaults; // 'trex'
+    // Fragmented movies: the media duration the file's indexes announce
+    // before every fragment is parsed ('mehd', 'sidx', the last fragment).
+    int64_t declaredDuration = 0;
     int64_t decodeLead = 0; // video: how much earlier samples decode than their table says (negative offsets)
     int32_t nalLengthSize = 0; // AVC and HEVC samples: bytes of each NAL length, 0 for others
 
