@@ -39,6 +39,18 @@ const Variant Variants[] = {
     {"mp4_fragments_moof_base", Video,
      "-f lavfi -i sine=d=2 -c:v libx264 -g 10 -c:a aac -movflags frag_keyframe+empty_moov+default_base_moof -f mp4",
      false},
+    {"mp4_fragments_no_mfra", Video,
+     "-f lavfi -i sine=d=2 -c:v libx264 -g 10 -c:a aac -movflags frag_keyframe+empty_moov+skip_trailer -f mp4", false},
+    // Without default_base_moof ffmpeg's global sidx moves the fragments
+    // after writing their absolute data offsets: it cannot read them either.
+    {"mp4_fragments_global_sidx", Video,
+     "-f lavfi -i sine=d=2 -c:v libx264 -g 10 -c:a aac -movflags frag_keyframe+empty_moov+default_base_moof+global_sidx "
+     "-f mp4",
+     false},
+    {"mp4_fragments_separate_moof", Video,
+     "-f lavfi -i sine=d=2 -c:v libx264 -g 10 -c:a aac -movflags frag_keyframe+empty_moov+separate_moof -f mp4",
+     false},
+    {"mov_fragments", Video, "-f lavfi -i sine=d=2 -c:v libx264 -g 10 -c:a aac -movflags frag_keyframe -f mov", false},
     {"mp4_frag_duration", Video, "-c:v libx264 -g 25 -movflags empty_moov -frag_duration 300000 -f mp4", false},
     // The first video fragment states no composition offsets and later ones
     // do; ffprobe fills in times from the SPS's reorder depth. Places, sizes

@@ -260,11 +260,19 @@ int MovFileWalk::ReadPayload(const MovBox& header, RObject<CByteArray>& bytes, M
         return RESULT_OUT_OF_MEMORY;
     const int64_t offset = header.PayloadOffset();
     const int32_t size = int32_t(header.size);
+    // What the peek window already holds is not read again.
+    int32_t copied = 0;
+    if (!m_following && offset >= m_peekAt && offset - m_peekAt < m_peeked) {
+        const int64_t held = m_peeked - (offset - m_peekAt);
+        copied = held < size ? int32_t(held) : size;
+        std::memcpy(bytes->GetData(), m_peek + (offset - m_peekAt), size_t(copied));
+    }
     int got = size;
-    if (!m_following && offset >= m_peekAt && offset - m_peekAt + size <= m_peeked)
-        std::memcpy(bytes->GetData(), m_peek + (offset - m_peekAt), size_t(size));
-    else
-        got = ReadAt(offset, bytes->GetData(), size);
+    if (copied < size) {
+        got = ReadAt(offset + copied, bytes->GetData() + copied, size - copied);
+        if (got >= 0)
+            got += copied;
+    }
     if (got < 0) {
         Log(LogLevel::Error, "%s: reading '%s' at %lld failed with %s\n", m_owner, FourCCText(header.type).c_str(),
             static_cast<long long>(header.fileOffset), GetResultName(got));
