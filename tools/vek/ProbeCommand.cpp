@@ -9,13 +9,17 @@
 #include "MediaSource.h"
 #include "MediaText.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <vek/containers/CMediaIndexer.h>
 #include <vek/containers/ContainerAnalyzer.h>
+#include <vek/containers/readers/mov/CMovieFileReader.h>
 #include <vek/media/AudioFormat.h>
 #include <vek/media/AudioProperty.h>
 
@@ -25,13 +29,16 @@ namespace VekTool {
 
 namespace {
 
+enum { GrowthLookMilliseconds = 400 };
+
 void PrintUsage(std::FILE* out)
 {
     std::fputs("usage: vek probe [--json] FILE|URI\n"
                "\n"
                "Recognises the container of a file (a path or a file:// URI), indexes it\n"
                "and prints its format, duration, container facts and every track with its\n"
-               "properties and sample count.\n"
+               "properties and sample count. A fragmented movie that is still being\n"
+               "written is reported as growing.\n"
                "\n"
                "  --json   print one JSON object: a \"format\" section and a \"tracks\" array\n"
                "  --help   show this text\n"
@@ -83,6 +90,7 @@ struct SubtitleFacts {
 };
 
 struct ProbeFacts {
+    bool growing = false; // a recording still being written
     std::string formatName;
     uint32_t formatCode = 0;
     double seconds = 0;
@@ -251,6 +259,8 @@ void PrintText(const MediaSource& source, const ProbeFacts& facts)
     std::printf("format:    %s\n", facts.formatName.c_str());
     std::printf("size:      %lld bytes\n", static_cast<long long>(source.size));
     std::printf("duration:  %s (%.6f s)\n", ClockText(facts.seconds).c_str(), facts.seconds);
+    if (facts.growing)
+        std::printf("growing:   yes, the file is still being written (vek index --follow follows it)\n");
     std::printf("tracks:    %zu\n", facts.TrackCount());
     for (const auto& [key, value] : facts.tags)
         std::printf("  %-32s %s\n", key.c_str(), IndentLines(value).c_str());
@@ -286,6 +296,21 @@ void PrintText(const MediaSource& source, const ProbeFacts& facts)
     }
 }
 
+// A fragmented movie without the index its writer appends last, whose file
+// grew since it was opened or grows within a short look.
+bool IsGrowing(const MediaSource& source)
+{
+    const auto* movie = dynamic_cast<const CMovieFileReader*>(source.reader.Get());
+    if (!movie || !movie->MayStillGrow())
+        return false;
+    std::error_code error;
+    const auto size = [&] { return int64_t(std::filesystem::file_size(source.path, error)); };
+    if (size() > source.size)
+        return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(GrowthLookMilliseconds));
+    return !error && size() > source.size;
+}
+
 void PrintJson(const MediaSource& source, const ProbeFacts& facts)
 {
     std::printf("{\n  \"format\": {\n");
@@ -293,6 +318,7 @@ void PrintJson(const MediaSource& source, const ProbeFacts& facts)
     std::printf("    \"format_name\": %s,\n", JsonString(facts.formatName).c_str());
     std::printf("    \"size\": %lld,\n", static_cast<long long>(source.size));
     std::printf("    \"duration\": %.6f,\n", facts.seconds);
+    std::printf("    \"growing\": %s,\n", facts.growing ? "true" : "false");
     std::printf("    \"nb_tracks\": %zu,\n", facts.TrackCount());
     std::printf("    \"tags\": {");
     for (size_t i = 0; i < facts.tags.size(); ++i)
@@ -359,6 +385,7 @@ int RunProbe(int argc, char** argv)
         status = Probe(source, facts);
     if (status != kExitOk)
         return status;
+    facts.growing = IsGrowing(source);
     if (json)
         PrintJson(source, facts);
     else

@@ -114,7 +114,11 @@ int MovFileWalk::Next(MovBox& header, bool& cut)
             RefreshLength();
         if (!m_following && m_position >= m_length)
             break;
-        int result = Peek(m_previousType == Four("moof") ? HeaderBytes : PeekBytes);
+        // A followed file is asked for no byte more than the header: each
+        // byte asked for is waited for.
+        int result = Peek(m_following ? 8 : m_previousType == Four("moof") ? HeaderBytes : PeekBytes);
+        if (result >= 0 && m_following && m_peeked == 8 && BigEndian::Load32(m_peek) == 1)
+            result = Peek(HeaderBytes);
         if (result < 0)
             return result;
         const int64_t inWindow = m_position - m_peekAt;
