@@ -131,10 +131,36 @@ TEST(MovReaderHostile, SmallMovieIsSound)
     EXPECT_EQ(first, 0);
 }
 
+// A fragmented movie whose 'mfra' names its fragments, the second of them
+// with a broken size: the walk resumes at the third.
+Bytes FragmentedWithIndex()
+{
+    Mp4Movie movie = SmallMovie();
+    movie.fragmentSamples = 4;
+    Bytes file = movie.Build();
+    const Bytes index = Mp4RandomAccessIndex(file, 2);
+    file.insert(file.end(), index.begin(), index.end());
+    PutBigEndian(file, Find(file, "moof[1]").offset, 3, 4);
+    return file;
+}
+
+TEST(MovReaderHostile, DamagedFragmentResumesWhereTheIndexSays)
+{
+    const Bytes file = FragmentedWithIndex();
+    LogCapture log(LogLevel::Warning);
+    auto opened = OpenReader<Reader>(file);
+    ASSERT_EQ(opened.result, RESULT_OK);
+    EXPECT_FALSE(opened.reader->MayStillGrow());
+    // Fragments of four samples per track: the second is lost, the rest read.
+    EXPECT_EQ(ReadTrackPackets(opened.reader, TrackKind::Video, 0).size(), 8u);
+    EXPECT_EQ(ReadTrackPackets(opened.reader, TrackKind::Audio, 0).size(), 6u);
+    EXPECT_EQ(log.Count("that 'mfra' names"), 1u) << log.Text();
+}
+
 #if VEK_FAULT_INJECTION
 TEST(MovReaderHostile, SurvivesEveryAllocationFailure)
 {
-    const Bytes file = SmallMovie().Build();
+    for (const Bytes& file : {SmallMovie().Build(), FragmentedWithIndex()})
     WalkAllocationFailures("mp4", [&] {
         auto opened = OpenReader<Reader>(file);
         if (opened.result < 0)

@@ -942,4 +942,29 @@ Bytes Mp4SamplePattern(uint32_t trackId, uint64_t sample, uint32_t size)
     return bytes;
 }
 
+Bytes Mp4RandomAccessIndex(const Bytes& file, uint32_t tracks)
+{
+    std::vector<uint64_t> fragments;
+    for (size_t at = 0; at + 8 <= file.size();) {
+        const uint64_t size = uint64_t(file[at]) << 24 | uint64_t(file[at + 1]) << 16 | uint64_t(file[at + 2]) << 8 |
+                              file[at + 3];
+        if (size < 8)
+            break;
+        if (std::equal(file.begin() + at + 4, file.begin() + at + 8, "moof"))
+            fragments.push_back(at);
+        at += size;
+    }
+    std::vector<Bytes> children;
+    for (uint32_t track = 1; track <= tracks; ++track) {
+        ByteWriter entries(true);
+        entries.U32(track).U32(0).U32(uint32_t(fragments.size())); // 1-byte traf, trun and sample numbers
+        for (size_t i = 0; i < fragments.size(); ++i)
+            entries.U64(i).U64(fragments[i]).Int(0x010101, 3);
+        children.push_back(Mp4FullBox("tfra", 1, 0, entries.Get()));
+    }
+    const uint64_t mfraSize = Mp4Container("mfra", children).size() + 16;
+    children.push_back(Mp4FullBox("mfro", 0, 0, ByteWriter(true).U32(uint32_t(mfraSize)).Get()));
+    return Mp4Container("mfra", children);
+}
+
 } // namespace VekTest

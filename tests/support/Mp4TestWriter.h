@@ -173,6 +173,11 @@ struct Mp4Movie {
     uint64_t HeaderBytes() const;
 };
 
+// The index a fragmenting writer appends last: an 'mfra' with one 'tfra'
+// per track (1 to `tracks`) naming every top-level 'moof' of `file`, and
+// the 'mfro' that lets a reader find it from the end. Append it to the file.
+Bytes Mp4RandomAccessIndex(const Bytes& file, uint32_t tracks);
+
 // Byte `at` of sample `sample` (0 first) of track `trackId` in a Pattern
 // payload, and a whole sample of it.
 uint8_t Mp4PatternByte(uint32_t trackId, uint64_t sample, uint64_t at);
