@@ -733,6 +733,7 @@ int CMovieFileReader::ReadRandomAccess()
     mfra.headerSize = 8;
     int64_t lastFragment = -1;
     int result = ReadRandomAccessBoxes(mfra, lastFragment);
+    m_walk.SortKnownFragments();
     if (result >= 0 && lastFragment >= 0)
         result = ReadLastFragmentDurations(lastFragment);
     return result;

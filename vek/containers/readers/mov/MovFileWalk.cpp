@@ -1,5 +1,6 @@
 #include <vek/containers/readers/mov/MovFileWalk.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vek/core/Allocation.h>
 
@@ -57,12 +58,16 @@ void MovFileWalk::RefreshLength()
 
 int MovFileWalk::AddKnownFragment(int64_t offset)
 {
-    int32_t at = m_knownFragments.Count();
-    while (at > 0 && m_knownFragments[at - 1] > offset)
-        --at;
-    if (at > 0 && m_knownFragments[at - 1] == offset)
-        return RESULT_OK;
-    return m_knownFragments.Insert(at, int64_t(offset)) ? RESULT_OK : RESULT_OUT_OF_MEMORY;
+    const int32_t count = m_knownFragments.Count();
+    return m_knownFragments.Insert(count, int64_t(offset)) ? RESULT_OK : RESULT_OUT_OF_MEMORY;
+}
+
+void MovFileWalk::SortKnownFragments()
+{
+    int64_t* begin = m_knownFragments.Data();
+    int64_t* end = begin + m_knownFragments.Count();
+    std::sort(begin, end);
+    m_knownFragments.Truncate(int32_t(std::unique(begin, end) - begin));
 }
 
 // Reads up to `count` bytes at `position`; fewer only where the file ends
@@ -195,14 +200,14 @@ int MovFileWalk::ParseHeader(MovBox& header, uint64_t& size)
 
 int MovFileWalk::Resume()
 {
-    for (int32_t i = 0; i < m_knownFragments.Count(); ++i) {
-        if (m_knownFragments[i] > m_position) {
-            Log(LogLevel::Warning, "%s: the walk resumes at the 'moof' at %lld that 'mfra' names\n", m_owner,
-                static_cast<long long>(m_knownFragments[i]));
-            m_position = m_knownFragments[i];
-            m_previousType = 0;
-            return RESULT_OK;
-        }
+    const int64_t* begin = m_knownFragments.Data();
+    const int64_t* next = std::upper_bound(begin, begin + m_knownFragments.Count(), m_position);
+    if (next != begin + m_knownFragments.Count()) {
+        Log(LogLevel::Warning, "%s: the walk resumes at the 'moof' at %lld that 'mfra' names\n", m_owner,
+            static_cast<long long>(*next));
+        m_position = *next;
+        m_previousType = 0;
+        return RESULT_OK;
     }
     int64_t found = -1;
     const int result = ScanForFragment(m_position + 1, found);

@@ -57,8 +57,10 @@ public:
 
     // From here on a broken header resumes at the next fragment.
     void AllowResume() { m_resumeAllowed = true; }
-    // A 'moof' offset the file's own index ('mfra') names.
+    // A 'moof' offset the file's own index ('mfra') names; once all are
+    // added, SortKnownFragments puts them in order.
     int AddKnownFragment(int64_t offset);
+    void SortKnownFragments();
     // Ends the walk: nothing after this point is wanted.
     void Finish() { m_finished = true; }
 
@@ -96,7 +98,7 @@ private:
     unsigned char m_peek[PeekBytes] = {};
     int32_t m_peeked = 0;
     int64_t m_peekAt = -1;
-    Detail::GrowBuffer<int64_t> m_knownFragments; // ascending
+    Detail::GrowBuffer<int64_t> m_knownFragments; // ascending once sorted
 };
 
 } // namespace Quorvex::Vek
