@@ -68,6 +68,8 @@ bool ResolvePath(const char* command, const char* argument, std::string& path)
     return true;
 }
 
+} // namespace
+
 int64_t FileSize(const std::string& path)
 {
     RObject<CFileDescriptorStream> file(new CFileDescriptorStream(FileStream::FileMode::Read));
@@ -75,8 +77,6 @@ int64_t FileSize(const std::string& path)
         return -1;
     return file->GetLength();
 }
-
-} // namespace
 
 int OpenMediaSource(const char* command, const char* argument, MediaSource& source)
 {

@@ -24,6 +24,9 @@ void RegisterReaders();
 // with "vek COMMAND: ".
 int OpenMediaSource(const char* command, const char* argument, MediaSource& source);
 
+// The length of the file at the UTF-8 `path` now; -1 when it cannot be opened.
+int64_t FileSize(const std::string& path);
+
 // Prints why the headers of `source` could not be read; kExitFailure.
 int ReportIndexFailure(const char* command, const MediaSource& source, int result);
 

@@ -12,7 +12,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -303,12 +302,10 @@ bool IsGrowing(const MediaSource& source)
     const auto* movie = dynamic_cast<const CMovieFileReader*>(source.reader.Get());
     if (!movie || !movie->MayStillGrow())
         return false;
-    std::error_code error;
-    const auto size = [&] { return int64_t(std::filesystem::file_size(source.path, error)); };
-    if (size() > source.size)
+    if (FileSize(source.path) > source.size)
         return true;
     std::this_thread::sleep_for(std::chrono::milliseconds(GrowthLookMilliseconds));
-    return !error && size() > source.size;
+    return FileSize(source.path) > source.size;
 }
 
 void PrintJson(const MediaSource& source, const ProbeFacts& facts)
