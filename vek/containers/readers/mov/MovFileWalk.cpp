@@ -151,7 +151,9 @@ int MovFileWalk::Next(MovBox& header, bool& cut)
         cut = !m_following && end > m_length;
         m_previousType = header.type;
         m_position = cut ? m_length : end;
-        if (cut)
+        // A box that runs to the end of the file is the last one, even in a
+        // file that grows.
+        if (cut || BigEndian::Load32(m_peek + (header.fileOffset - m_peekAt)) == 0)
             m_finished = true;
         return RESULT_OK;
     }
