@@ -89,7 +89,9 @@ MovEditList::Placement MovEditList::Place(int64_t presentationStart, int64_t dur
     Placement placement;
     if (m_count == 0)
         return placement;
-    const int64_t end = INT64_MAX - presentationStart < duration ? INT64_MAX : presentationStart + duration;
+    int64_t end = INT64_MAX;
+    if (!Checked::Add(presentationStart, duration, &end))
+        end = duration < 0 ? INT64_MIN : INT64_MAX;
     for (uint32_t i = 0; i < m_count; ++i) {
         const Edit& edit = m_edits[i];
         const bool overlaps = duration > 0 ? presentationStart < edit.mediaEnd && end > edit.mediaStart

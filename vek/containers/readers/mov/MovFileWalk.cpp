@@ -276,7 +276,8 @@ int MovFileWalk::ReadPayload(const MovBox& header, RObject<CByteArray>& bytes, M
     if (!m_following && offset >= m_peekAt && offset - m_peekAt < m_peeked) {
         const int64_t held = m_peeked - (offset - m_peekAt);
         copied = held < size ? int32_t(held) : size;
-        std::memcpy(bytes->GetData(), m_peek + (offset - m_peekAt), size_t(copied));
+        if (copied > 0)
+            std::memcpy(bytes->GetData(), m_peek + (offset - m_peekAt), size_t(copied));
     }
     int got = size;
     if (copied < size) {

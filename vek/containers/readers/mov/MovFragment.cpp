@@ -223,6 +223,14 @@ int ReadRuns(const MovBox& traf, const TrackFragment& fragment, MovSampleTable* 
         RunHeader run;
         if ((result = ReadRunHeader(child, run)) < 0)
             return result;
+        // Samples without per-sample fields cost a run nothing however many
+        // it claims: a track never holds more samples than the file bytes.
+        if (table && uint64_t(table->GetSampleCount()) + run.sampleCount > uint64_t(fileSize)) {
+            Log(LogLevel::Error, "MovFragment: 'trun' of track %u holds %u samples, more than the file has bytes "
+                                 "(%" PRId64 ")\n",
+                fragment.trackId, run.sampleCount, fileSize);
+            return RESULT_FORMAT_ERROR;
+        }
         int64_t position = next;
         if ((run.flags & DataOffsetPresent) &&
             (!Checked::Add(fragment.base, int64_t(run.dataOffset), &position) || position < 0)) {
