@@ -266,11 +266,25 @@ int MovFileWalk::ReadPayload(const MovBox& header, RObject<CByteArray>& bytes, M
             static_cast<unsigned long long>(header.size), unsigned(MaxPayloadBytes));
         return RESULT_FORMAT_ERROR;
     }
-    bytes = RObject<CByteArray>(CByteArray::Create(nullptr, int32_t(header.size)));
-    if (!bytes || (header.size > 0 && !bytes->GetData()))
-        return RESULT_OUT_OF_MEMORY;
+    // Memory only for bytes the file holds: a followed file is waited for
+    // up to the payload's last byte first.
     const int64_t offset = header.PayloadOffset();
     const int32_t size = int32_t(header.size);
+    if (size > 0 && m_following) {
+        unsigned char last = 0;
+        if (ReadAt(offset + size - 1, &last, 1) == 1)
+            RefreshLength();
+    }
+    if (m_length - offset < size) {
+        Log(LogLevel::Warning, "%s: '%s' at %lld is cut short where the file ends (%lld); it is dropped\n", m_owner,
+            FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset),
+            static_cast<long long>(m_length));
+        m_finished = true;
+        return 1;
+    }
+    bytes = RObject<CByteArray>(CByteArray::Create(nullptr, size));
+    if (!bytes || (size > 0 && !bytes->GetData()))
+        return RESULT_OUT_OF_MEMORY;
     // What the peek window already holds is not read again.
     int32_t copied = 0;
     if (!m_following && offset >= m_peekAt && offset - m_peekAt < m_peeked) {
