@@ -161,8 +161,10 @@ int64_t CMediaIndexer::ByteLength(CMediaSample* sample)
     CMediaSampleDataReference* reference = sample->GetDataReference();
     if (!reference)
         return 0;
-    if (reference->GetType() == CContainerDataReference::Type)
-        return static_cast<CContainerDataReference*>(reference)->GetLength();
+    // Ranges of the file, also those of the kinds that carry more (AVC and
+    // HEVC NAL framing): their length is known without their bytes.
+    if (auto* range = dynamic_cast<CContainerDataReference*>(reference))
+        return range->GetLength();
     unsigned char* data = nullptr;
     int32_t length = 0;
     if (reference->Lock(data, length) < 0)
