@@ -83,11 +83,7 @@ std::vector<TrackPacket> IndexedPackets(CMediaIndexer* index)
         CMediaSample* raw = nullptr;
         EXPECT_GE(index->GetSample(i, raw), 0);
         RObject<CMediaSample> sample(raw);
-        auto* range = static_cast<CContainerDataReference*>(sample->GetDataReference());
-        const int32_t hint = sample->GetHint();
-        packets.push_back({sample->GetTime(), sample->GetCompositionTime(), sample->GetDuration(),
-                           range->GetPosition(), range->GetLength(), (hint & CMediaSample::KeyFrameAligned) != 0,
-                           (hint & CMediaSample::Exclude) != 0});
+        packets.push_back(ToPacket(sample));
     }
     return packets;
 }

@@ -50,7 +50,17 @@ inline std::vector<TrackPacket> ProbeTrackPackets(const std::string& path, const
     return packets;
 }
 
-// Every sample of one track to the end, with its bytes fetched.
+// A sample as ffprobe lists a packet; the sample still carries its file range.
+inline TrackPacket ToPacket(Quorvex::Vek::CMediaSample* sample)
+{
+    using namespace Quorvex::Vek;
+    auto* range = static_cast<CContainerDataReference*>(sample->GetDataReference());
+    const int32_t hint = sample->GetHint();
+    return {sample->GetTime(), sample->GetCompositionTime(), sample->GetDuration(), range->GetPosition(),
+            range->GetLength(), (hint & CMediaSample::KeyFrameAligned) != 0, (hint & CMediaSample::Exclude) != 0};
+}
+
+// Every sample of one track to the end.
 inline std::vector<TrackPacket> ReadTrackPackets(Quorvex::Vek::CContainerReader* reader, TrackKind kind,
                                                  int32_t track, int* last = nullptr)
 {
@@ -77,11 +87,7 @@ inline std::vector<TrackPacket> ReadTrackPackets(Quorvex::Vek::CContainerReader*
             *last = result;
         if (result < 0 || !sample)
             break;
-        auto* range = static_cast<CContainerDataReference*>(sample->GetDataReference());
-        const int32_t hint = sample->GetHint();
-        packets.push_back({sample->GetTime(), sample->GetCompositionTime(), sample->GetDuration(),
-                           range->GetPosition(), range->GetLength(), (hint & CMediaSample::KeyFrameAligned) != 0,
-                           (hint & CMediaSample::Exclude) != 0});
+        packets.push_back(ToPacket(sample));
     }
     return packets;
 }
