@@ -16,13 +16,12 @@
 #include <benchmark/benchmark.h>
 
 #include "Threaded.h"
-#include "support/Mp4TestWriter.h"
+#include "BenchMovieFile.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -85,39 +84,15 @@ bool RegisterReaders()
     return registered;
 }
 
-class BenchFile {
-public:
-    static BenchFile& Get()
-    {
-        static BenchFile file;
-        return file;
-    }
-    const std::string& Path() const { return m_path; }
-    const std::string& Error() const { return m_error; }
-    int64_t Size() const { return m_size; }
-    int64_t Samples() const { return m_samples; }
-
-private:
-    BenchFile()
-    {
-        char pattern[] = "/tmp/vek-fragment-bench-XXXXXX";
-        if (!::mkdtemp(pattern)) {
-            m_error = "cannot make a temporary folder";
-            return;
-        }
-        m_folder = pattern;
-        m_path = m_folder + "/recording.mp4";
-        const Mp4Movie movie = OneHourOfFragments();
-        for (const Mp4Track& track : movie.tracks)
-            m_samples += int64_t(track.SampleCount());
-        if (!movie.WriteFile(m_path)) {
-            m_error = "cannot write " + m_path;
-            return;
-        }
-        m_size = int64_t(std::filesystem::file_size(m_path));
-        RegisterReaders();
-        // One full index pass first, so every pass finds the headers cached.
-        RObject<CString> path(CString::Create(m_path.c_str()));
+// The recording, written once per process and indexed once, so that every
+// pass finds its headers cached.
+VekBench::BenchMovieFile& BenchFile()
+{
+    static VekBench::BenchMovieFile& file = []() -> VekBench::BenchMovieFile& {
+        static VekBench::BenchMovieFile written("recording.mp4", OneHourOfFragments());
+        if (!written.Error().empty() || !RegisterReaders())
+            return written;
+        RObject<CString> path(CString::Create(written.Path().c_str()));
         RObject<CContainerReader> reader(CContainerReader::Create(path));
         if (reader && reader->BeginIndex() >= 0)
             for (;;) {
@@ -126,21 +101,12 @@ private:
                 if (!sample)
                     break;
             }
-        std::fprintf(stderr, "MovFragmentBench: %s, %lld samples, %.2f GB (sparse)\n", m_path.c_str(),
-                     static_cast<long long>(m_samples), double(m_size) / 1e9);
-    }
-    ~BenchFile()
-    {
-        if (!m_folder.empty()) {
-            std::error_code ignored;
-            std::filesystem::remove_all(m_folder, ignored);
-        }
-    }
-
-    std::string m_folder, m_path, m_error;
-    int64_t m_size = 0;
-    int64_t m_samples = 0;
-};
+        std::fprintf(stderr, "MovFragmentBench: %s, %lld samples, %.2f GB (sparse)\n", written.Path().c_str(),
+                     static_cast<long long>(written.Samples()), double(written.Size()) / 1e9);
+        return written;
+    }();
+    return file;
+}
 
 // Samples handed out: 1 for the first-sample method, all for the full index;
 // -1 on a failure.
@@ -192,7 +158,7 @@ int64_t OpenWithLibavformat(const std::string& file, bool findStreamInfo)
 
 void AlternatingPasses(benchmark::State& state)
 {
-    BenchFile& file = BenchFile::Get();
+    VekBench::BenchMovieFile& file = BenchFile();
     if (!file.Error().empty())
         return state.SkipWithError(file.Error().c_str());
     if (!RegisterReaders())

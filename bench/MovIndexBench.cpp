@@ -18,7 +18,7 @@
 #include <benchmark/benchmark.h>
 
 #include "Threaded.h"
-#include "support/Mp4TestWriter.h"
+#include "BenchMovieFile.h"
 
 #include <algorithm>
 #include <chrono>
@@ -96,56 +96,26 @@ Mp4Movie OneHour(uint32_t divisor)
     return movie;
 }
 
-class BenchFile {
-public:
-    static BenchFile& Get()
-    {
-        static BenchFile file;
-        return file;
-    }
-    const std::string& Path() const { return m_path; }
-    const std::string& Error() const { return m_error; }
-    int64_t Samples() const { return m_samples; }
-
-private:
-    BenchFile()
-    {
-        char pattern[] = "/tmp/vek-mov-bench-XXXXXX";
-        if (!::mkdtemp(pattern)) {
-            m_error = "cannot make a temporary folder";
-            return;
-        }
-        m_folder = pattern;
-        m_path = m_folder + "/one-hour.mp4";
+// The one-hour movie, written once per process, its tables read back once
+// so that every pass finds them cached.
+VekBench::BenchMovieFile& BenchFile()
+{
+    static VekBench::BenchMovieFile& file = []() -> VekBench::BenchMovieFile& {
         const char* tiny = std::getenv("VEK_MOV_BENCH_TINY");
         const Mp4Movie movie = OneHour(tiny && *tiny == '1' ? 1000 : 1);
-        for (const Mp4Track& track : movie.tracks)
-            m_samples += int64_t(track.SampleCount());
-        if (!movie.WriteFile(m_path)) {
-            m_error = "cannot write " + m_path;
-            return;
+        static VekBench::BenchMovieFile written("one-hour.mp4", movie);
+        if (written.Error().empty()) {
+            std::ifstream in(written.Path(), std::ios::binary);
+            std::vector<char> header(movie.HeaderBytes());
+            in.read(header.data(), std::streamsize(header.size()));
+            std::fprintf(stderr, "MovIndexBench: %s, %lld samples, %.2f GB (sparse), tables %.1f MB\n",
+                         written.Path().c_str(), static_cast<long long>(written.Samples()),
+                         double(written.Size()) / 1e9, double(header.size()) / 1e6);
         }
-        // Read the tables back once, so that every pass finds them cached.
-        std::ifstream in(m_path, std::ios::binary);
-        std::vector<char> header(movie.HeaderBytes());
-        in.read(header.data(), std::streamsize(header.size()));
-        std::fprintf(stderr, "MovIndexBench: %s, %lld samples, %.2f GB (sparse), tables %.1f MB\n", m_path.c_str(),
-                     static_cast<long long>(m_samples), double(std::filesystem::file_size(m_path)) / 1e9,
-                     double(header.size()) / 1e6);
-    }
-    ~BenchFile()
-    {
-        if (!m_folder.empty()) {
-            std::error_code ignored;
-            std::filesystem::remove_all(m_folder, ignored);
-        }
-    }
-
-    std::string m_folder;
-    std::string m_path;
-    std::string m_error;
-    int64_t m_samples = 0;
-};
+        return written;
+    }();
+    return file;
+}
 
 // ---------------------------------------------------------------- the two sides
 
@@ -255,7 +225,7 @@ double ThreadSeconds()
 
 void VekIndex(benchmark::State& state)
 {
-    BenchFile& file = BenchFile::Get();
+    VekBench::BenchMovieFile& file = BenchFile();
     if (!file.Error().empty())
         return state.SkipWithError(file.Error().c_str());
     if (!VekHasReader())
@@ -276,7 +246,7 @@ BENCHMARK(VekIndex)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime()
 // the ratios (above 1: the library is faster) and the heap per sample.
 void AlternatingPasses(benchmark::State& state)
 {
-    BenchFile& file = BenchFile::Get();
+    VekBench::BenchMovieFile& file = BenchFile();
     if (!file.Error().empty())
         return state.SkipWithError(file.Error().c_str());
     enum { Vek, VekOpen, Open, OpenAndInfo, Methods };
