@@ -32,7 +32,7 @@ namespace Quorvex::Vek {
 
 namespace {
 
-enum : int32_t { LargeHeader = 16, TimeCodeSampleBytes = 16 };
+enum : int32_t { TimeCodeSampleBytes = 16 };
 
 bool IsSubtitleHandler(uint32_t handler)
 {
@@ -246,7 +246,6 @@ int CMovieFileReader::OpenWalk()
     if (result < 0)
         return result;
     m_walk.Start(walkStream, GetFormatName());
-    m_fileSize = m_walk.GetLength();
     if (m_walk.IsFollowing() && walkStream.Get() != m_stream.Get()) {
         // Samples lie in fragments already whole: their reads never wait.
         int32_t noWait = 0;
@@ -279,14 +278,13 @@ int CMovieFileReader::WalkStep()
     MovBox header;
     bool cut = false;
     int result = m_walk.Next(header, cut);
-    m_fileSize = m_walk.GetLength();
     if (result == RESULT_OK) {
         if (cut && (header.type == Four("moov") || header.type == Four("moof"))) {
             const bool movie = header.type == Four("moov");
             Log(movie && !m_movieSeen ? LogLevel::Error : LogLevel::Warning,
                 "%s: '%s' at %lld runs past the end of the file (%lld)\n", GetFormatName(),
                 FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset),
-                static_cast<long long>(m_fileSize));
+                static_cast<long long>(FileSize()));
             result = movie && !m_movieSeen ? RESULT_FORMAT_ERROR : 1;
         } else {
             result = ReadTopLevelBox(header);
@@ -315,7 +313,6 @@ int CMovieFileReader::ReadTopLevelBox(const MovBox& header)
     RObject<CByteArray> bytes;
     MovBox box;
     int result = m_walk.ReadPayload(header, bytes, box);
-    m_fileSize = m_walk.GetLength();
     if (result != RESULT_OK)
         return result > 0 && movie ? RESULT_FORMAT_ERROR : result;
     if (movie) {
@@ -481,7 +478,7 @@ int CMovieFileReader::ReadMedia(const MovBox& mdia, MovTrack& track, const MovBo
         Log(LogLevel::Error, "%s: track %u has no 'stsd'\n", GetFormatName(), track.trackId);
         return RESULT_FORMAT_ERROR;
     }
-    if ((result = track.table.Read(stbl, m_fileSize)) < 0)
+    if ((result = track.table.Read(stbl, FileSize())) < 0)
         return result;
     if (elst && (result = track.edits.Read(*elst, m_movieTimeScale, track.mediaTimeScale)) < 0) {
         // A broken edit list costs the presentation mapping, not the media.
@@ -641,7 +638,7 @@ int CMovieFileReader::ReadExtendsHeader(const MovBox& mehd)
     uint8_t version = 0;
     uint32_t flags = 0;
     fields.ReadVersionAndFlags(version, flags);
-    const uint64_t duration = version == 1 ? fields.Read64() : fields.Read32();
+    const uint64_t duration = fields.ReadVersioned(version);
     if (fields.Failed() || duration > uint64_t(INT64_MAX)) {
         Log(LogLevel::Warning, "%s: 'mehd' of %zu bytes (version %u) is ignored\n", GetFormatName(), mehd.size,
             unsigned(version));
@@ -684,55 +681,70 @@ int CMovieFileReader::ReadDeclaredSegments(const MovBox& sidx)
     return RESULT_OK;
 }
 
+// Reads the whole box of `type` at `offset` through the sample stream, when
+// one of at most `maxBytes` lies there wholly inside the file: 0 with `box`
+// pointing into `bytes`, 1 when there is none, or RESULT_OUT_OF_MEMORY.
+int CMovieFileReader::ReadWholeBox(int64_t offset, uint32_t type, uint32_t maxBytes, RObject<CByteArray>& bytes,
+                                   MovBox& box)
+{
+    enum : uint32_t { Header = 8 };
+    if (offset < 0 || FileSize() - offset < int64_t(Header))
+        return 1;
+    RObject<CByteArray> head(CByteArray::Create(nullptr, Header));
+    if (!head || !head->GetData())
+        return RESULT_OUT_OF_MEMORY;
+    if (ReadData(m_stream, offset, head) < 0)
+        return 1;
+    const uint32_t size = BigEndian::Load32(head->GetData());
+    if (BigEndian::Load32(head->GetData() + 4) != type || size < Header || size > maxBytes ||
+        FileSize() - offset < int64_t(size))
+        return 1;
+    bytes = RObject<CByteArray>(CByteArray::Create(nullptr, int32_t(size - Header)));
+    if (!bytes || (size > Header && !bytes->GetData()))
+        return RESULT_OUT_OF_MEMORY;
+    if (ReadData(m_stream, offset + Header, bytes) < 0)
+        return 1;
+    box = MovBox();
+    box.type = type;
+    box.payload = bytes->GetData();
+    box.size = size - Header;
+    box.fileOffset = offset;
+    box.headerSize = Header;
+    return RESULT_OK;
+}
+
 // The 'mfra' a writer appends when it finishes: found from the 'mfro' in the
 // last 16 bytes. Its 'moof' offsets let the walk resume after damage, and
 // the last fragment it names tells how long each track is.
 int CMovieFileReader::ReadRandomAccess()
 {
     enum : uint32_t { MfroBytes = 16, MaxRandomAccessBytes = 64u << 20 };
-    if (m_walk.IsFollowing() || m_fileSize < int64_t(MfroBytes))
+    if (m_walk.IsFollowing() || FileSize() < int64_t(MfroBytes))
         return RESULT_OK;
-    RObject<CByteArray> tail(CByteArray::Create(nullptr, MfroBytes));
-    if (!tail || !tail->GetData())
-        return RESULT_OUT_OF_MEMORY;
-    if (ReadData(m_stream, m_fileSize - MfroBytes, tail) < 0)
-        return RESULT_OK;
-    const uint8_t* bytes = tail->GetData();
-    if (BigEndian::Load32(bytes) != MfroBytes || BigEndian::Load32(bytes + 4) != Four("mfro"))
-        return RESULT_OK;
+    RObject<CByteArray> bytes;
     MovBox mfro;
-    mfro.type = Four("mfro");
-    mfro.payload = bytes + 8;
-    mfro.size = 8;
-    mfro.fileOffset = m_fileSize - MfroBytes;
-    mfro.headerSize = 8;
+    int result = ReadWholeBox(FileSize() - MfroBytes, Four("mfro"), MfroBytes, bytes, mfro);
+    if (result != RESULT_OK)
+        return result == RESULT_OUT_OF_MEMORY ? result : RESULT_OK;
     uint32_t size = 0;
     if (ReadMovieFragmentRandomAccessOffset(mfro, size) < 0 || size < MfroBytes + 8 ||
-        size > MaxRandomAccessBytes || int64_t(size) > m_fileSize) {
+        size > MaxRandomAccessBytes || int64_t(size) > FileSize()) {
         Log(LogLevel::Warning, "%s: 'mfro' states an 'mfra' of %u bytes in a file of %lld; ignored\n",
-            GetFormatName(), size, static_cast<long long>(m_fileSize));
+            GetFormatName(), size, static_cast<long long>(FileSize()));
         return RESULT_OK;
     }
-    RObject<CByteArray> index(CByteArray::Create(nullptr, int32_t(size)));
-    if (!index || !index->GetData())
-        return RESULT_OUT_OF_MEMORY;
-    const int64_t at = m_fileSize - size;
-    if (ReadData(m_stream, at, index) < 0)
-        return RESULT_OK;
-    const uint8_t* data = index->GetData();
-    if (BigEndian::Load32(data) != size || BigEndian::Load32(data + 4) != Four("mfra")) {
+    const int64_t at = FileSize() - size;
+    MovBox mfra;
+    result = ReadWholeBox(at, Four("mfra"), size, bytes, mfra);
+    if (result == RESULT_OUT_OF_MEMORY)
+        return result;
+    if (result != RESULT_OK || mfra.TotalSize() != int64_t(size)) {
         Log(LogLevel::Warning, "%s: 'mfro' points at %lld, where no 'mfra' of %u bytes is; ignored\n",
             GetFormatName(), static_cast<long long>(at), size);
         return RESULT_OK;
     }
-    MovBox mfra;
-    mfra.type = Four("mfra");
-    mfra.payload = data + 8;
-    mfra.size = size - 8;
-    mfra.fileOffset = at;
-    mfra.headerSize = 8;
     int64_t lastFragment = -1;
-    int result = ReadRandomAccessBoxes(mfra, lastFragment);
+    result = ReadRandomAccessBoxes(mfra, lastFragment);
     m_walk.SortKnownFragments();
     if (result >= 0 && lastFragment >= 0)
         result = ReadLastFragmentDurations(lastFragment);
@@ -755,7 +767,7 @@ int CMovieFileReader::ReadRandomAccessBoxes(const MovBox& mfra, int64_t& lastFra
         m_randomAccessSeen.store(true);
         for (int32_t i = 0; i < access.entries.Count(); ++i) {
             const int64_t offset = access.entries[i].moofOffset;
-            if (offset <= 0 || offset >= m_fileSize)
+            if (offset <= 0 || offset >= FileSize())
                 continue;
             if ((result = m_walk.AddKnownFragment(offset)) < 0)
                 return result;
@@ -770,36 +782,23 @@ int CMovieFileReader::ReadRandomAccessBoxes(const MovBox& mfra, int64_t& lastFra
 int CMovieFileReader::ReadLastFragmentDurations(int64_t offset)
 {
     enum : uint32_t { MaxFragmentBytes = 16u << 20 };
-    RObject<CByteArray> head(CByteArray::Create(nullptr, 8));
-    if (!head || !head->GetData())
-        return RESULT_OUT_OF_MEMORY;
-    if (m_fileSize - offset < 8 || ReadData(m_stream, offset, head) < 0)
-        return RESULT_OK;
-    const uint32_t size = BigEndian::Load32(head->GetData());
-    if (BigEndian::Load32(head->GetData() + 4) != Four("moof") || size < 8 || size > MaxFragmentBytes ||
-        m_fileSize - offset < int64_t(size)) {
+    RObject<CByteArray> bytes;
+    MovBox moof;
+    const int read = ReadWholeBox(offset, Four("moof"), MaxFragmentBytes, bytes, moof);
+    if (read == RESULT_OUT_OF_MEMORY)
+        return read;
+    if (read != RESULT_OK) {
         Log(LogLevel::Warning, "%s: 'mfra' names a 'moof' at %lld where none of a readable size is\n",
             GetFormatName(), static_cast<long long>(offset));
         return RESULT_OK;
     }
-    RObject<CByteArray> bytes(CByteArray::Create(nullptr, int32_t(size - 8)));
-    if (!bytes || (size > 8 && !bytes->GetData()))
-        return RESULT_OUT_OF_MEMORY;
-    if (ReadData(m_stream, offset + 8, bytes) < 0)
-        return RESULT_OK;
-    MovBox moof;
-    moof.type = Four("moof");
-    moof.payload = bytes->GetData();
-    moof.size = size - 8;
-    moof.fileOffset = offset;
-    moof.headerSize = 8;
     std::unique_ptr<MovSampleTable[]> scratch(new (fallible) MovSampleTable[size_t(m_trackCount)]);
     if (!scratch)
         return RESULT_OUT_OF_MEMORY;
     MovFragmentTrack fragments[MaxTracks];
     for (int32_t i = 0; i < m_trackCount; ++i)
         fragments[i] = MovFragmentTrack{m_tracks[i]->trackId, m_tracks[i]->fragmentDefaults, &scratch[i]};
-    const int result = ReadMovieFragment(moof, fragments, size_t(m_trackCount), m_fileSize);
+    const int result = ReadMovieFragment(moof, fragments, size_t(m_trackCount), FileSize());
     if (result == RESULT_OUT_OF_MEMORY)
         return result;
     for (int32_t i = 0; i < m_trackCount; ++i)
@@ -813,7 +812,7 @@ int CMovieFileReader::ReadFragment(const MovBox& moof)
     MovFragmentTrack fragments[MaxTracks];
     for (int32_t i = 0; i < m_trackCount; ++i)
         fragments[i] = MovFragmentTrack{m_tracks[i]->trackId, m_tracks[i]->fragmentDefaults, &m_tracks[i]->table};
-    const int result = ReadMovieFragment(moof, fragments, size_t(m_trackCount), m_fileSize);
+    const int result = ReadMovieFragment(moof, fragments, size_t(m_trackCount), FileSize());
     if (result == RESULT_OUT_OF_MEMORY)
         return result;
     if (result < 0)
@@ -1192,7 +1191,7 @@ int CMovieFileReader::CutPcmSample(MovTrack& track, CAudioSample*& sample)
         return RESULT_FORMAT_ERROR;
     // The table cannot know PCM frame sizes; a chunk cut short by the end
     // of the file gives the whole frames that are there.
-    const int64_t inFile = position < m_fileSize ? (m_fileSize - position) / bytesPerFrame : 0;
+    const int64_t inFile = position < FileSize() ? (FileSize() - position) / bytesPerFrame : 0;
     if (inFile < count) {
         Log(LogLevel::Warning, "%s: PCM chunk %u of track %u ends past the end of the file\n", GetFormatName(),
             track.pcmChunk, track.trackId);

@@ -61,7 +61,6 @@ public:
     // one of the sibling family (which it reads as well, but should leave
     // to the sibling when both are registered).
     enum : int32_t { MatchScore = 128, SiblingScore = 64 };
-    enum : uint32_t { MaxMovieBytes = 1u << 30 };
     // "mov.chapters": the chapter titles of a chapter track, one line each,
     // "HH:MM:SS.mmm title" at the chapter's start on the presentation
     // timeline (UTF-8, up to 1000 chapters of up to 256 bytes).
@@ -129,6 +128,9 @@ private:
     int ReadTopLevelBox(const MovBox& header);
     int NextSample(MovTrack& track, MovSample& sample);
     void PublishWalkProgress();
+    // The file's length as the walk last saw it (it grows while followed).
+    int64_t FileSize() const { return m_walk.GetLength(); }
+    int ReadWholeBox(int64_t offset, uint32_t type, uint32_t maxBytes, RObject<CByteArray>& bytes, MovBox& box);
     int ReadRandomAccess();
     int ReadRandomAccessBoxes(const MovBox& mfra, int64_t& lastFragment);
     int ReadLastFragmentDurations(int64_t offset);
@@ -171,7 +173,6 @@ private:
     MovFamily m_fileFamily = MovFamily::None;
     RObject<CStream> m_stream; // samples and the boxes read outside the walk
     MovFileWalk m_walk;
-    int64_t m_fileSize = 0;
     std::atomic<bool> m_fragmented{false};
     std::atomic<bool> m_randomAccessSeen{false};
     int32_t m_fragmentsRead = 0;

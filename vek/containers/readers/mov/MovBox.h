@@ -76,6 +76,8 @@ public:
     const uint8_t* Take(size_t count);
     // Reads a full box's version and flags.
     void ReadVersionAndFlags(uint8_t& version, uint32_t& flags);
+    // A time or size field: 64 bits in a version 1 box, 32 bits otherwise.
+    uint64_t ReadVersioned(uint8_t version) { return version == 1 ? Read64() : Read32(); }
 
     bool Failed() const { return m_failed; }
     size_t Remaining() const { return m_failed ? 0 : m_size - m_position; }

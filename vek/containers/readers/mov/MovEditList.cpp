@@ -46,7 +46,7 @@ int MovEditList::Read(const MovBox& elst, uint32_t movieTimeScale, uint32_t medi
     bool mediaSeen = false;
     bool logged = false;
     for (uint32_t i = 0; i < count; ++i) {
-        const uint64_t segment = version == 1 ? fields.Read64() : fields.Read32();
+        const uint64_t segment = fields.ReadVersioned(version);
         const int64_t mediaTime = version == 1 ? int64_t(fields.Read64()) : int64_t(int32_t(fields.Read32()));
         const int16_t rate = int16_t(fields.Read16());
         fields.Skip(2); // rate fraction

@@ -276,11 +276,7 @@ int MovFileWalk::ReadPayload(const MovBox& header, RObject<CByteArray>& bytes, M
             RefreshLength();
     }
     if (m_length - offset < size) {
-        Log(LogLevel::Warning, "%s: '%s' at %lld is cut short where the file ends (%lld); it is dropped\n", m_owner,
-            FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset),
-            static_cast<long long>(m_length));
-        m_finished = true;
-        return 1;
+        return DropCutBox(header);
     }
     bytes = RObject<CByteArray>(CByteArray::Create(nullptr, size));
     if (!bytes || (size > 0 && !bytes->GetData()))
@@ -305,15 +301,20 @@ int MovFileWalk::ReadPayload(const MovBox& header, RObject<CByteArray>& bytes, M
         return got;
     }
     if (got < size || (m_following && header.type == Four("moof") && !WaitForFragmentData(header))) {
-        Log(LogLevel::Warning, "%s: '%s' at %lld is cut short where the file ends (%lld); it is dropped\n", m_owner,
-            FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset),
-            static_cast<long long>(m_length));
-        m_finished = true;
-        return 1;
+        return DropCutBox(header);
     }
     box = header;
     box.payload = bytes->GetData();
     return RESULT_OK;
+}
+
+// A box the file ends inside: what a stopped writer left. The walk ends.
+int MovFileWalk::DropCutBox(const MovBox& header)
+{
+    Log(LogLevel::Warning, "%s: '%s' at %lld is cut short where the file ends (%lld); it is dropped\n", m_owner,
+        FourCCText(header.type).c_str(), static_cast<long long>(header.fileOffset), static_cast<long long>(m_length));
+    m_finished = true;
+    return 1;
 }
 
 // Following: waits until the 'mdat' right after `moof` is whole, so the

@@ -83,6 +83,7 @@ private:
     int Resume();
     int ScanForFragment(int64_t from, int64_t& found);
     bool WaitForFragmentData(const MovBox& moof);
+    int DropCutBox(const MovBox& header);
     void RefreshLength();
 
     const char* m_owner = "";

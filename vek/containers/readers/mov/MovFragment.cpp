@@ -101,7 +101,7 @@ int ReadDecodeTime(const MovBox& traf, TrackFragment& fragment)
     uint8_t version = 0;
     uint32_t flags = 0;
     reader.ReadVersionAndFlags(version, flags);
-    const uint64_t time = version == 1 ? reader.Read64() : reader.Read32();
+    const uint64_t time = reader.ReadVersioned(version);
     if (reader.Failed() || time > uint64_t(INT64_MAX)) {
         Log(LogLevel::Error, "MovFragment: 'tfdt' of track %u: baseMediaDecodeTime %" PRIu64 " unreadable or too large\n",
             fragment.trackId, time);
